@@ -57,8 +57,8 @@ public:
         uint32_t index_;
     };
 
-    /// Enters `value`, which must not be null, in place of what the id meant before. An id above all
-    /// others costs a constant, any other new id moves what lies above it.
+    /// Enters `value`, which must not be null, in place of what the id meant before. An id above
+    /// all others costs a constant, any other new id moves what lies above it.
     void insert(uint32_t id, T* value) {
         if (slots_.empty() || id > slots_.back().id) {
             slots_.append(Slot{id, value});

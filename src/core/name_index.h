@@ -20,8 +20,8 @@ namespace tidemark {
 ///     static std::string_view name(const T& item);
 ///     static uint32_t order(const T& item);   // rises along the list
 ///
-/// The name and the order stamp of an item must not change while the index holds it: erase it, change
-/// it, insert it (`rename` does all three).
+/// The name and the order stamp of an item must not change while the index holds it: erase it,
+/// change it, insert it (`rename` does all three).
 template <typename T, typename Traits>
 class NameIndex {
 public:

@@ -4,13 +4,13 @@
 #include "core/text.h"
 
 #include <locale.h>
-#include <stdio.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -90,14 +90,14 @@ TM_String format(const char* pattern, ...) {
     char small[256];
     va_list arguments;
     va_start(arguments, pattern);
-    const int length = vsnprintf(small, sizeof(small), pattern, arguments);
+    const int length = std::vsnprintf(small, sizeof(small), pattern, arguments);
     va_end(arguments);
     if (length < 0) return TM_String();
     if (static_cast<std::size_t>(length) < sizeof(small)) return TM_String(small, length);
 
     TM_String large(static_cast<std::size_t>(length), '\0');
     va_start(arguments, pattern);
-    vsnprintf(large.data(), large.size() + 1, pattern, arguments);
+    std::vsnprintf(large.data(), large.size() + 1, pattern, arguments);
     va_end(arguments);
     return large;
 }
@@ -109,8 +109,7 @@ double toDouble(std::string_view text) {
     // strtod_l wants a terminating zero, which the view need not have.
     char small[64];
     if (length < sizeof(small)) {
-        std::memcpy(small, text.data(), length);
-        small[length] = '\0';
+        small[text.copy(small, length)] = '\0';
         return strtod_l(small, nullptr, cLocale());
     }
     return strtod_l(std::string(text.substr(0, length)).c_str(), nullptr, cLocale());
