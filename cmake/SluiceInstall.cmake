@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # What `cmake --install` leaves: library, headers, program, CMake package, pkg-config file, manual
 # page and shell completion.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/SluiceGraph")
