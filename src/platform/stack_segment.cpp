@@ -27,6 +27,7 @@
 #endif
 
 #if defined(SLUICE_ADDRESS_SANITIZER)
+#include <sanitizer/asan_interface.h>
 #include <sanitizer/common_interface_defs.h>
 #endif
 #if defined(SLUICE_THREAD_SANITIZER)
@@ -97,7 +98,12 @@ Segment* mapSegment(std::size_t size) {
 
 void unmapSegment(Segment* segment) {
     char* low = segment->low;
-    munmap(low - guardSize, guardSize + segment->size);
+    const std::size_t size = segment->size;
+#if defined(SLUICE_ADDRESS_SANITIZER)
+    // Another mapping may come to lie here and must not find the marks of our frames.
+    __asan_unpoison_memory_region(low, size);
+#endif
+    munmap(low - guardSize, guardSize + size);
 }
 
 /// Takes the link to a free segment out of the list.
