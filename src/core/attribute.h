@@ -204,7 +204,6 @@ protected:
 
 private:
     friend class NetworkManager;
-    friend class DirtyWalk;
     friend class SpecializationSolver;
     friend class Node;
 
@@ -219,8 +218,9 @@ private:
     };
 
     void pullDirty();
-    void compute();
-    void raiseIfInterrupted() const;
+    Timer::Ticks computeFrom(Timer::Ticks time);
+    Timer::Ticks compute(Timer::Ticks time);
+    void tearDown();
     void collectReadersBeyondPassThroughs(Array<Attribute*>& readers);
     void adoptContentSeenByOthers(Attribute* newDestination);
     void becomeSourceOf(Attribute* destination);

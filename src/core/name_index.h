@@ -214,16 +214,19 @@ public:
     /// Drops the index: the list was emptied or put in another order.
     void forget() { built_.reset(); }
 
-    /// `name` when no item bears it, otherwise the first free one of name1, name2, ...
-    TM_String freeName(std::string_view name, const ArrayOfPtr<T>& items) {
-        TM_String candidate(name);
-        if (!find(candidate, items)) return candidate;
+    /// How a number is put behind a name: "name1".
+    static TM_String withNumber(std::string_view stem, uint64_t number) {
+        return TM_String(stem) + std::to_string(number);
+    }
+
+    /// `name` when no item bears it, otherwise the first free one of name1, name2, ... as `numbered`
+    /// writes them, which must be the same for every call on one list.
+    TM_String freeName(std::string_view name, const ArrayOfPtr<T>& items,
+                       TM_String (*numbered)(std::string_view, uint64_t) = withNumber) {
+        if (!find(name, items)) return TM_String(name);
         uint64_t number = built_ && built_->stem == name ? built_->number : 1;
-        candidate += std::to_string(number);
-        while (find(candidate, items)) {
-            candidate.resize(name.size());
-            candidate += std::to_string(++number);
-        }
+        TM_String candidate = numbered(name, number);
+        while (find(candidate, items)) candidate = numbered(name, ++number);
         if (built_) {
             built_->stem = name;
             built_->number = number;

@@ -57,16 +57,15 @@ protected:
         classChain_ = classLink<name>(classChain_);
     }
 
-    /// Called after a child came, went, or is about to change its name: keeps name look-ups.
-    virtual void childAdded(NestedObject&) {}
-    virtual void childRemoved(NestedObject&) {}
-    virtual void childRenaming(NestedObject&, const TM_String& newName) { (void)newName; }
-    /// True when a child other than `except` has the name.
-    virtual bool hasOtherChild(std::string_view name, const NestedObject& except) const;
+    /// Called after a child came and before it goes: keeps name look-ups.
+    virtual void childAdded(NestedObject& child) { (void)child; }
+    virtual void childRemoving(NestedObject& child) { (void)child; }
 
     void initializeName(TM_String name) { name_ = std::move(name); }
 
 private:
+    friend class Node;
+
     TM_String name_;
     const ClassChain* classChain_ = nullptr;
     Node* parent_;

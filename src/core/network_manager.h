@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <vector>
 
 #include "core/attribute.h"
 #include "core/id_table.h"
@@ -64,6 +65,8 @@ public:
     /// `markDirty(true)` and `setToBeEvaluated(true)` on each attribute of `list`, in order, at the
     /// cost of one pass over what lies downstream of all of them.
     void markAllDirtyForRun(const Array<Attribute*>& list);
+    /// `markDirty(true)` on each attribute of `list`, in order, at the same cost.
+    void markAllDirty(const Array<Attribute*>& list);
     /// Takes `toBeEvaluated` from every attribute, if `monitoring` is on.
     void clearToBeEvaluatedFlags();
 
@@ -125,7 +128,6 @@ private:
     friend class Object;
     friend class Attribute;
     friend class Node;
-    friend class DirtyWalk;
     friend class SpecializationSolver;
 
     static int32_t nextId();
@@ -140,21 +142,22 @@ private:
 
     bool hasListeners() const { return dirtyListeners_ > 0; }
     uint32_t shownEpoch(const Attribute& attribute) const;
-    void makeStale(Attribute* attribute);
+    void makeStale(Attribute* attribute, uint32_t epoch);
+    void makeUpstreamStale(Attribute* attribute);
     void makeLive(Attribute* attribute);
+    void collectChain(Attribute& attribute, Array<Attribute*>& chain);
     void dropDeadEdges();
     void dropEdgesOf(Attribute* attribute);
     bool keepsDeadEdges() const { return cacheDisabled_ || staleAttributes_ > 0; }
 
     template <typename Visit>
-    void visitDownstream(Attribute* start, uint32_t mark, Visit visit);
-    template <typename Visit>
-    void visitDownstreamAt(Attribute* start, uint32_t mark, uint32_t epoch, Visit visit);
-    void markWithoutListeners(Attribute* attribute);
-    void markWithListeners(Attribute* attribute);
-    const Array<Attribute*>* keptChain(Attribute* attribute);
-    void keepChain(Attribute* attribute);
+    void visitDownstream(Attribute* start, uint32_t mark, uint32_t epoch, Visit visit);
+    void markChain(Attribute* attribute);
+    void markChainTellingListeners(Attribute* attribute);
+    bool keepChain(Attribute* attribute);
     void forgetChain(Attribute* attribute);
+    bool stepUpstream(uint32_t mine, uint32_t others);
+    bool stepDownstream(uint32_t mine, uint32_t others);
 
     tidemark::IdTable<Object> objects_;
     bool dirtyHold_ = false;
@@ -162,19 +165,21 @@ private:
     bool monitoring_ = true;
     bool evaluating_ = false;
     bool tearingDown_ = false;
-    bool everCleaned_ = false;
     std::atomic<bool> interrupted_{false};
     uint32_t topologyEpoch_ = 1;
     uint32_t frozenEpoch_ = 0; // topology when `cacheDisabled` was set
     uint32_t mark_ = 0;
     uint32_t dirtyListeners_ = 0;
     uint32_t staleAttributes_ = 0;
-    uint32_t removals_ = 0; // objects that left so far
+    uint32_t removals_ = 0;  // objects that left so far
+    uint32_t cleanings_ = 0; // attributes that became clean so far
     uint32_t searchedGroupLimit_ = 64;
     int32_t failedNodeId_ = 0;
     uint64_t keptChainBytes_ = 0;
-    Array<Attribute*> stack_;
-    Array<Attribute*> deadEdgeOwners_;
+    std::vector<Attribute*> stack_;     // of traversals; each uses the part above where it began
+    std::vector<Attribute*> upstream_;  // frontiers of `isUpstream`
+    std::vector<Attribute*> downstream_;
+    std::vector<Attribute*> deadEdgeOwners_;
     tidemark::graph::MessageHandler* sceneMessages_ = nullptr;
 
     static std::atomic<int32_t> _nextAvailableId;

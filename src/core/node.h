@@ -170,7 +170,7 @@ public:
     void resetNodeTimer(bool alsoAttributes);
     void resetLastUpdateTime();
     double getLastUpdateTime() const { return Timer::seconds(lastUpdateTicks_); }
-    void setLastUpdateTime(double) = delete;
+    void forgetLastUpdateTime() { lastUpdateTicks_ = 0; }
     /// The time spent in this node's outputs less what their sources took.
     float getIsolatedTime() const;
     int computeTimeSeconds() const { return 0; }
@@ -239,9 +239,7 @@ protected:
     void setPropagatesPresets(bool propagates) { propagatesPresets_ = propagates; }
 
     void childAdded(NestedObject& child) override;
-    void childRemoved(NestedObject& child) override;
-    void childRenaming(NestedObject& child, const TM_String& newName) override;
-    bool hasOtherChild(std::string_view name, const NestedObject& except) const override;
+    void childRemoving(NestedObject& child) override;
 
 private:
     friend class Attribute;
@@ -252,8 +250,13 @@ private:
 
     void addAttribute(Attribute* attribute, bool isInput);
     void connectionChanged(Attribute* attribute);
+    class UpdateScope;
+    Timer::Ticks updateTimed(Attribute* attribute, Timer::Ticks time);
     ChildNames* childNames() const;
-    void tearDownAttributes();
+    bool hasOtherChild(std::string_view name, NestedObject& except) const;
+    TM_String freeChildName(const TM_String& name, NestedObject& child) const;
+    void renameChild(NestedObject& child, TM_String name);
+    void tearDown();
 
     SmallList<Attribute*> outputs_;
     SmallList<Attribute*> inputs_;

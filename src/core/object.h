@@ -45,6 +45,7 @@ protected:
     void markDeleted() { isDeleted_ = true; }
 
     bool isAttributeObject_ = false;
+    uint8_t holders_ = 0; // parents that list a nested object as their child; stands here for room
 
 private:
     friend class NetworkManager;

@@ -85,21 +85,29 @@ std::size_t lengthDifference(std::string_view a, std::string_view b) {
 
 } // namespace
 
-TM_String format(const char* pattern, ...) {
+TM_String formatList(const char* pattern, va_list arguments) {
     const CLocaleScope scope;
+    va_list again;
+    va_copy(again, arguments);
     char small[256];
+    const int length = std::vsnprintf(small, sizeof(small), pattern, arguments);
+    TM_String text;
+    if (length >= 0 && static_cast<std::size_t>(length) < sizeof(small)) {
+        text.assign(small, static_cast<std::size_t>(length));
+    } else if (length >= 0) {
+        text.resize(static_cast<std::size_t>(length));
+        std::vsnprintf(text.data(), text.size() + 1, pattern, again);
+    }
+    va_end(again);
+    return text;
+}
+
+TM_String format(const char* pattern, ...) {
     va_list arguments;
     va_start(arguments, pattern);
-    const int length = std::vsnprintf(small, sizeof(small), pattern, arguments);
+    TM_String text = formatList(pattern, arguments);
     va_end(arguments);
-    if (length < 0) return TM_String();
-    if (static_cast<std::size_t>(length) < sizeof(small)) return TM_String(small, length);
-
-    TM_String large(static_cast<std::size_t>(length), '\0');
-    va_start(arguments, pattern);
-    std::vsnprintf(large.data(), large.size() + 1, pattern, arguments);
-    va_end(arguments);
-    return large;
+    return text;
 }
 
 double toDouble(std::string_view text) {

@@ -3,6 +3,7 @@
 // from text. Nothing here depends on the process's locale: the decimal sign is always a point.
 #pragma once
 
+#include <cstdarg>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,6 +20,10 @@ namespace text {
 
 /// printf into a string, with the decimal point of the "C" locale whatever the process has set.
 SLUICE_API TM_String format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
+
+/// The same from a started argument list.
+SLUICE_API TM_String formatList(const char* pattern, va_list arguments)
+    __attribute__((format(printf, 1, 0)));
 
 /// The number that begins `text`, as C's atof reads it: leading blanks, a sign, digits, exponent,
 /// hexadecimal, "inf" and "nan"; 0 when there is none. Values out of range give infinity or 0.

@@ -1,0 +1,499 @@
+// SPDX-License-Identifier: Apache-2.0
+// Nodes: structure, declaration, evaluation, presets and teardown.
+#include "core/node.h"
+
+#include <unordered_map>
+
+#include "bridge/host.h"
+#include "core/callbacks.h"
+
+namespace weft {
+
+namespace {
+
+// Nodes with more children than this look names up in an index.
+constexpr uint32_t mostChildrenSearched = 16;
+
+struct ChildTraits {
+    static std::string_view name(const NestedObject& child) { return child.name(); }
+    static uint32_t order(const NestedObject& child) { return static_cast<uint32_t>(child.id()); }
+};
+
+std::string_view withoutFinalDigits(std::string_view name) {
+    while (!name.empty() && name.back() >= '0' && name.back() <= '9') name.remove_suffix(1);
+    return name;
+}
+
+bool hasDigit(std::string_view text) {
+    return text.find_first_of("0123456789") != std::string_view::npos;
+}
+
+const TM_String noPreset = "none";
+const TM_String noText;
+
+template <typename T>
+void fill(const SmallList<T>& list, Array<T>& out) {
+    out.clear();
+    out.reserve(list.size());
+    for (const T& entry : list) out.append(entry);
+}
+
+} // namespace
+
+// The index of a large parent's children, and for each stem that was counted up the name that the
+// next search may begin at: all names of the stem from where a search began up to it are taken.
+struct Node::ChildNames {
+    tidemark::NameIndex<NestedObject, ChildTraits> index;
+    std::unordered_map<std::string, TM_String> nextByStem;
+
+    void forgetHint(const NestedObject& child) {
+        if (!nextByStem.empty()) nextByStem.erase(TM_String(withoutFinalDigits(child.name())));
+    }
+};
+
+Node::Node(NetworkManager* manager, const TM_String& name, Node* parent)
+    : NestedObject(manager, parent) {
+    appendClass<"Node">();
+    initializeName(uniqueName(name));
+}
+
+Node::~Node() {
+    if (isDeleted()) return;
+    Node::purge();
+    tearDown();
+    markDeleted();
+}
+
+TM_String Node::asScript() const { return name() + " " + className(); }
+
+void Node::updateSpecializationLink(Attribute*, Attribute*, SpecializationList& firstList,
+                                    SpecializationList& secondList) {
+    if (!firstList.empty() && firstList.isSubsetOf(secondList)) {
+        secondList = firstList;
+    } else if (secondList.isSubsetOf(firstList)) {
+        firstList = secondList;
+    }
+}
+
+TM_String Node::debugInfo() const {
+    const double seconds = getLastUpdateTime();
+    TM_String text = "node: " + name() + "\n";
+    text += tidemark::text::format("last update took: secs:%d, millisecs: %d\n",
+                                   static_cast<int>(seconds),
+                                   static_cast<int>(seconds * 1000.0) % 1000);
+    text += "attributes:\n";
+    for (const Attribute* input : inputs_) text += input->debugInfo();
+    for (const Attribute* output : outputs_) text += output->debugInfo();
+    return text;
+}
+
+void Node::purge() {
+    for (Attribute* input : inputs_) input->purge();
+    for (Attribute* output : outputs_) output->purge();
+}
+
+uint64_t Node::estimatedSize() const {
+    uint64_t size = 0;
+    for (const Attribute* input : inputs_) size += input->estimatedSize();
+    for (const Attribute* output : outputs_) size += output->estimatedSize();
+    return size;
+}
+
+uint64_t Node::checkSum() const {
+    uint64_t sum = 0;
+    for (const Attribute* output : outputs_) sum += output->checkSum();
+    return sum;
+}
+
+// Names of children.
+
+Node::ChildNames* Node::childNames() const {
+    if (!childNames_ && children().size() > mostChildrenSearched) {
+        childNames_ = std::make_unique<ChildNames>();
+        for (NestedObject* child : children()) childNames_->index.insert(child);
+    }
+    return childNames_.get();
+}
+
+void Node::childAdded(NestedObject& child) {
+    if (childNames_) childNames_->index.insert(&child);
+}
+
+void Node::childRemoving(NestedObject& child) {
+    if (!childNames_) return;
+    childNames_->forgetHint(child);
+    childNames_->index.erase(&child);
+}
+
+void Node::renameChild(NestedObject& child, TM_String name) {
+    if (!childNames_) {
+        child.name_ = std::move(name);
+        return;
+    }
+    childNames_->forgetHint(child);
+    childNames_->index.rename(&child, [&] { child.name_ = std::move(name); });
+}
+
+bool Node::hasOtherChild(std::string_view name, NestedObject& except) const {
+    if (ChildNames* names = childNames()) {
+        const NestedObject* found = names->index.find(name);
+        if (found != &except) return found != nullptr;
+    }
+    // Short lists, and the rare case that the child itself bears the name.
+    for (const NestedObject* child : children()) {
+        if (child != &except && child->name() == name) return true;
+    }
+    return false;
+}
+
+TM_String Node::freeChildName(const TM_String& name, NestedObject& child) const {
+    if (!hasOtherChild(name, child)) return name;
+    TM_String candidate = NestedObject::nextName(name);
+    ChildNames* const names = childNames();
+    // With digits inside the stem, names do not count up within one stem.
+    const TM_String stem(withoutFinalDigits(name));
+    const bool counts = names && stem.size() == name.size() && !hasDigit(stem);
+    if (counts) {
+        const auto hint = names->nextByStem.find(stem);
+        if (hint != names->nextByStem.end()) candidate = hint->second;
+    }
+    while (hasOtherChild(candidate, child)) candidate = NestedObject::nextName(candidate);
+    if (counts) names->nextByStem[stem] = candidate;
+    return candidate;
+}
+
+// Structure.
+
+void Node::addAttribute(Attribute* attribute, bool isInput) {
+    SmallList<Attribute*>& list = isInput ? inputs_ : outputs_;
+    if (attribute->parent() == this && attribute->isListed_ && list.contains(attribute)) return;
+    if (Node* other = attribute->parent(); other && other != this) {
+        const Retained<Attribute> kept(attribute);
+        other->removeAttribute(attribute);
+        attribute->setParent(this);
+        attribute->isInput_ = isInput;
+        list.append(attribute);
+        addChild(attribute);
+    } else {
+        list.append(attribute);
+        attribute->setParent(this);
+        addChild(attribute);
+    }
+    attribute->isInput_ = isInput;
+    attribute->isOutput_ = !isInput;
+    attribute->isListed_ = true;
+    const auto callback = isInput ? Callbacks::_addInputAttributeCallback
+                                  : Callbacks::_addOutputAttributeCallback;
+    if (callback && networkManager()->monitoring() && !isDeleted()) callback(this, attribute);
+}
+
+void Node::addInputAttribute(Attribute* attribute) { addAttribute(attribute, true); }
+
+void Node::addOutputAttribute(Attribute* attribute) {
+    addAttribute(attribute, false);
+    if (attribute->classNameView() != "EvaluateAttribute") return;
+    static const SpecializationList evaluate{"Evaluate"};
+    attribute->setAllowedSpecializations(evaluate);
+}
+
+void Node::removeAttribute(Attribute* attribute) {
+    const bool wasListed = inputs_.remove(attribute) || outputs_.remove(attribute);
+    dynamicAttributes_.remove(attribute);
+    if (attribute->parent() == this) {
+        attribute->setParent(nullptr);
+        attribute->isListed_ = false;
+    }
+    if (!wasListed) return;
+    if (Callbacks::_removeAttributeCallback && networkManager() &&
+        networkManager()->monitoring() && !isDeleted()) {
+        Callbacks::_removeAttributeCallback(this, attribute);
+    }
+    removeChild(attribute);
+}
+
+void Node::addNode(Node* node) {
+    if (node->holders_ > 0 && node->parent() == this && nodes_.contains(node)) return;
+    nodes_.append(node);
+    addChild(node);
+    node->setParent(this);
+    if (Callbacks::_addNodeCallback && networkManager()->monitoring() && !isDeleted()) {
+        Callbacks::_addNodeCallback(this, node);
+    }
+}
+
+void Node::removeNode(Node* node) {
+    if (!nodes_.remove(node)) return;
+    node->setParent(nullptr);
+    if (Callbacks::_removeNodeCallback && networkManager() && networkManager()->monitoring() &&
+        !isDeleted()) {
+        Callbacks::_removeNodeCallback(this, node);
+    }
+    removeChild(node);
+}
+
+void Node::reparent(Node* newParent) {
+    Node* const oldParent = parent();
+    if (newParent == oldParent) return;
+    if (newParent) newParent->addNode(this);
+    if (oldParent) oldParent->removeNode(this);
+    setParent(newParent);
+}
+
+Node* Node::findNode(std::string_view name) const {
+    if (ChildNames* names = childNames()) {
+        NestedObject* const found = names->index.find(name);
+        if (!found) return nullptr;
+        if (!found->isAttributeObject()) return static_cast<Node*>(found);
+    }
+    for (Node* node : nodes_) {
+        if (node->name() == name) return node;
+    }
+    return nullptr;
+}
+
+Attribute* Node::findAttribute(std::string_view name) const {
+    if (ChildNames* names = childNames()) {
+        NestedObject* const found = names->index.find(name);
+        if (!found) return nullptr;
+        if (found->isAttributeObject()) return static_cast<Attribute*>(found);
+    }
+    for (Attribute* input : inputs_) {
+        if (input->name() == name) return input;
+    }
+    for (Attribute* output : outputs_) {
+        if (output->name() == name) return output;
+    }
+    return nullptr;
+}
+
+void Node::inputAttributes(Array<Attribute*>& out) const { fill(inputs_, out); }
+void Node::outputAttributes(Array<Attribute*>& out) const { fill(outputs_, out); }
+void Node::dynamicAttributes(Array<Attribute*>& out) const { fill(dynamicAttributes_, out); }
+void Node::nodes(Array<Node*>& out) const { fill(nodes_, out); }
+
+void Node::attributes(Array<Attribute*>& out) const {
+    fill(inputs_, out);
+    for (Attribute* output : outputs_) out.append(output);
+}
+
+void Node::addDynamicAttribute(Attribute* attribute) {
+    if (!allowDynamicAttributes_) return;
+    if (attribute->parent() != this || !attribute->isListed_) return;
+    if (!dynamicAttributes_.contains(attribute)) dynamicAttributes_.append(attribute);
+}
+
+// Declaration.
+
+void Node::setAttributeAffect(Attribute* in, Attribute* out) {
+    const bool areMine = in && out && in->parent() == this && out->parent() == this;
+    if (!areMine || !out->isOutput_ || out->affectedBy_.contains(in)) return;
+    if (networkManager()->isUpstream(in, out)) return;
+    in->addAffect(out);
+}
+
+void Node::setAttributeAffectedByAllInputs(Attribute* out) {
+    const SmallList<Attribute*> inputs = inputs_;
+    for (Attribute* in : inputs) setAttributeAffect(in, out);
+}
+
+void Node::setAttributeAffectsAllOutputs(Attribute* in) {
+    const SmallList<Attribute*> outputs = outputs_;
+    for (Attribute* out : outputs) setAttributeAffect(in, out);
+}
+
+void Node::setAttributeAffectAllOutputsByAllInputs() {
+    const SmallList<Attribute*> outputs = outputs_;
+    for (Attribute* out : outputs) setAttributeAffectedByAllInputs(out);
+}
+
+void Node::setAttributeIsClean(Attribute* attribute, bool clean) {
+    if (attribute && attribute->parent() == this) attribute->setClean(clean);
+}
+
+void Node::setAttributeCleanAndChangeValue(Attribute* attribute) {
+    attribute->setClean(true);
+    attribute->valueChanged();
+}
+
+void Node::setAttributeAllowedSpecialization(Attribute* attribute, const TM_String& name) {
+    setAttributeAllowedSpecializations(attribute, SpecializationList::single(name));
+}
+
+void Node::setAttributeAllowedSpecializations(Attribute* attribute,
+                                              const SpecializationList& list) {
+    attribute->setAllowedSpecializations(list);
+}
+
+// Evaluation.
+
+// While a node runs, so does its parent. A scope that is left by an exception tells the network
+// which node it was; the innermost scope is left first.
+class Node::UpdateScope {
+public:
+    explicit UpdateScope(Node& node)
+        : node_(node), parent_(node.parent()), wasUpdating_(node.isUpdating_),
+          wasParentUpdating_(parent_ && parent_->isUpdating_) {
+        node_.isUpdating_ = true;
+        if (parent_) parent_->isUpdating_ = true;
+    }
+    ~UpdateScope() {
+        if (!isDone_) node_.networkManager()->noteFailure(&node_);
+        node_.isUpdating_ = wasUpdating_;
+        if (parent_) parent_->isUpdating_ = wasParentUpdating_;
+    }
+    void done() { isDone_ = true; }
+
+private:
+    Node& node_;
+    Node* const parent_;
+    const bool wasUpdating_;
+    const bool wasParentUpdating_;
+    bool isDone_ = false;
+};
+
+void Node::doUpdate(Attribute* attribute) { updateTimed(attribute, 0); }
+
+// `time` as in `Attribute::computeFrom`.
+Timer::Ticks Node::updateTimed(Attribute* attribute, Timer::Ticks time) {
+    UpdateScope scope(*this);
+    if (!networkManager()->monitoring_) {
+        update(attribute);
+        scope.done();
+        return time;
+    }
+    if (time == 0) time = Timer::now();
+    if (timerNeedsStart_) {
+        nodeTimer_.startAt(time);
+        timerNeedsStart_ = false;
+    } else {
+        nodeTimer_.resumeAt(time);
+    }
+    update(attribute);
+    scope.done();
+    time = Timer::now();
+    nodeTimer_.stopAt(time);
+    lastUpdateTicks_ = nodeTimer_.ticks(time);
+    if (Callbacks::_updateCallback && !isDeleted() &&
+        !(Callbacks::nobodyListens && Callbacks::nobodyListens())) {
+        Callbacks::_updateCallback(this, attribute, getLastUpdateTime());
+        time = Timer::now();
+    }
+    return time;
+}
+
+bool Node::updateAttributeSpecialization(Attribute* attribute) {
+    const Retained<ErrorObject> error(new ErrorObject(networkManager()));
+    return attribute->updateSpecializations(error.get());
+}
+
+bool Node::connectInternalAttributes(Attribute* in, Attribute* out) {
+    in->setPassThrough(true);
+    out->setPassThrough(true);
+    setAttributeAffect(in, out);
+    const Retained<ErrorObject> error(new ErrorObject(networkManager()));
+    networkManager()->connect(in, out, error.get());
+    if (error->message().empty()) return true;
+    pushError(error->message());
+    return false;
+}
+
+void Node::connectionChanged(Attribute* attribute) {
+    attributeConnectionChanged(attribute);
+    if (Callbacks::_connectionChangedCallback && networkManager()->monitoring() && !isDeleted()) {
+        Callbacks::_connectionChangedCallback(this, attribute);
+    }
+}
+
+bool Node::checkSpecialization(const Attribute* attribute) {
+    if (attribute->isSpecialized()) return true;
+    if (isVerbosityLevelAllowed(tidemark::graph::messageLevelError)) {
+        pushError(
+            tidemark::text::format("input '%s' not specialized", attribute->name().c_str()));
+    }
+    return false;
+}
+
+// Presets.
+
+void Node::setSpecializationPreset(const TM_String& preset, const Attribute* attribute,
+                                   const TM_String& specialization) {
+    if (!presets_) presets_ = std::make_unique<Presets>();
+    (*presets_)[preset][attribute->id()] = specialization;
+}
+
+const TM_String& Node::enabledSpecializationPreset() const {
+    return enabledPreset_ ? *enabledPreset_ : noPreset;
+}
+
+void Node::specializationPresets(Array<TM_String>& out) const {
+    out.clear();
+    if (presets_) {
+        for (const auto& [name, choices] : *presets_) out.append(name);
+    }
+    out.append(noPreset);
+}
+
+void Node::enableSpecializationPreset(const TM_String& name) {
+    const bool isPreset = presets_ && presets_->count(name) > 0;
+    if (name != noPreset && (!isPreset || name == enabledSpecializationPreset())) return;
+    enabledPreset_ = std::make_unique<TM_String>(name);
+    Array<Attribute*> all;
+    attributes(all);
+    for (Attribute* attribute : all) {
+        if (name == noPreset) {
+            attribute->clearSpecializationOverride();
+            attribute->applySpecializations(attribute->allowedSpecializations());
+            continue;
+        }
+        const auto& choices = presets_->at(name);
+        const auto choice = choices.find(attribute->id());
+        if (choice != choices.end()) attribute->setSpecializationOverride(choice->second);
+    }
+    if (!propagatesPresets_) return;
+    for (Attribute* attribute : all) updateAttributeSpecialization(attribute);
+}
+
+// Threads and validity.
+
+int Node::getNumberOfThreadsToUse() const {
+    for (const Node* node = this; node; node = node->parent()) {
+        if (node->numberOfThreads_ != 0) return node->numberOfThreads_;
+    }
+    return tidemark::bridge::host().numberOfThreads();
+}
+
+void Node::setIsInvalid(bool invalid, const TM_String& text) {
+    isInvalid_ = invalid;
+    invalidityMessage_ = text.empty() ? nullptr : std::make_unique<TM_String>(text);
+}
+
+const TM_String& Node::invalidityMessage() const {
+    return invalidityMessage_ ? *invalidityMessage_ : noText;
+}
+
+// Teardown.
+
+void Node::deleteIt() {
+    if (isDeleted()) return;
+    // The parent may hold the only reference, which the teardown gives up on its way.
+    const Retained<Node> self(this);
+    tearDown();
+    markDeleted();
+}
+
+void Node::tearDown() {
+    if (Callbacks::_deleteItCallback && networkManager() && networkManager()->monitoring()) {
+        Callbacks::_deleteItCallback(this);
+    }
+    if (parent()) parent()->removeNode(this);
+    const SmallList<Node*> nodes = nodes_;
+    for (uint32_t i = nodes.size(); i > 0; --i) removeNode(nodes[i - 1]);
+    Array<Attribute*> all;
+    attributes(all);
+    for (uint32_t i = all.size(); i > 0; --i) {
+        all[i - 1]->setParent(nullptr);
+        removeAttribute(all[i - 1]);
+    }
+}
+
+} // namespace weft
