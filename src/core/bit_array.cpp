@@ -101,13 +101,10 @@ BitArrayAttribute::BitArrayAttribute(NetworkManager* manager, const TM_String& n
 }
 
 const BitArrayValue& BitArrayAttribute::bits() const {
-    static const BitArrayValue* const empty = [] {
-        auto* bits = new BitArrayValue(nullptr);
-        bits->purge();
-        return bits;
-    }();
+    // Never destroyed: attributes of static objects may still read it.
+    static const BitArrayValue* const fallback = new BitArrayValue(nullptr);
     const BitArrayValue* bits = valueAs<BitArrayValue>(currentValue());
-    return bits ? *bits : *empty;
+    return bits ? *bits : *fallback;
 }
 
 } // namespace weft

@@ -86,7 +86,7 @@ class SLUICE_API BitArrayAttribute : public Attribute {
 public:
     BitArrayAttribute(NetworkManager* manager, const TM_String& name, Node* parent);
 
-    /// What a reader sees; empty when the source carries something else.
+    /// What a reader sees; one false element when the source carries something else.
     const BitArrayValue& bits() const;
     /// Where an output writes; null when that holds no bits.
     BitArrayValue* bitsTarget() const { return valueAs<BitArrayValue>(writeTarget()); }
