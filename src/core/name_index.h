@@ -219,8 +219,8 @@ public:
         return TM_String(stem) + std::to_string(number);
     }
 
-    /// `name` when no item bears it, otherwise the first free one of name1, name2, ... as `numbered`
-    /// writes them, which must be the same for every call on one list.
+    /// `name` when no item bears it, otherwise the first free one of name1, name2, ... as
+    /// `numbered` writes them, which must be the same for every call on one list.
     TM_String freeName(std::string_view name, const ArrayOfPtr<T>& items,
                        TM_String (*numbered)(std::string_view, uint64_t) = withNumber) {
         if (!find(name, items)) return TM_String(name);
