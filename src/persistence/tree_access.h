@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+// Reading the elements of a graph file from its document model, without that model's headers.
+//
+//     tree::forEachNamed(node, "inputs", "input",
+//                        [&](const TM_String& name, const PropertyTree& input) { ... });
+#pragma once
+
+#include <functional>
+
+#include "core/export.h"
+#include "core/text.h"
+#include "graph/property_tree_fwd.h"
+
+namespace tidemark::sluice::graph::tree {
+
+/// Called with one element.
+using ElementStep = std::function<void(const PropertyTree& element)>;
+/// Called with one element and the text of its child "name".
+using NamedStep = std::function<void(const TM_String& name, const PropertyTree& element)>;
+
+/// The element's own text. Valid while the tree lives.
+SLUICE_API const TM_String& text(const PropertyTree& element);
+
+/// The first child of that name; null when there is none. The key is one name, not a path.
+SLUICE_API const PropertyTree* child(const PropertyTree& element, const char* key);
+
+/// The text of the first child of that name; the empty text when there is none. Valid while the tree
+/// lives.
+SLUICE_API const TM_String& childText(const PropertyTree& element, const char* key);
+
+/// Calls `step` with every child named `key`, in document order.
+SLUICE_API void forEach(const PropertyTree& element, const char* key, const ElementStep& step);
+
+/// Calls `step` with every element `item` below the first child `list`, in document order. False when
+/// there is no such list.
+SLUICE_API bool forEachNamed(const PropertyTree& element, const char* list, const char* item,
+                             const NamedStep& step);
+
+} // namespace tidemark::sluice::graph::tree
