@@ -12,3 +12,13 @@
                                weft::Node* parent) {                                               \
         return new Class(manager, name, parent);                                                   \
     }
+
+/// The same for a row `NODE_WITH_GRAPH_CLASS(Type, Class, ...)`, whose graph class `Node_Class` is
+/// declared by hand: defines its `createWeftNode` and the factory's `createNode`. The source
+/// includes "graph/node_types.h" and "graph/graph_scene.h".
+#define SLUICE_DEFINE_GRAPH_NODE(Type, Class)                                                      \
+    void Node_##Class::createWeftNode() {                                                          \
+        ScenePrivate& scene = *getScenePrivatePtr();                                               \
+        adoptWeftNode(new Class(&scene.networkManager, getName(), &scene.rootNode));               \
+    }                                                                                              \
+    NodeBase* Node##Type##Factory::createNode() { return prepare(new Node_##Class); }
