@@ -15,6 +15,10 @@ public:
 
     /// Takes over the names, one element each; they are newer than the pointers from now on.
     virtual void setNames(const Array<TM_String>& names) = 0;
+    /// The host objects, looked up by name when the names are newer; null where there is none.
+    virtual Array<void*> pointers() = 0;
+    /// Blanks every reference to `object`, which is about to die.
+    virtual void forget(const void* object) = 0;
     /// The elements' names, looked up from the pointers when those are newer.
     virtual Array<TM_String> names() const = 0;
     /// The names for a graph file, separated by a blank.

@@ -135,15 +135,17 @@ void Node::renameChild(NestedObject& child, TM_String name) {
 }
 
 bool Node::hasOtherChild(std::string_view name, NestedObject& except) const {
-    if (ChildNames* names = childNames()) {
-        const NestedObject* found = names->index.find(name);
-        if (found != &except) return found != nullptr;
+    ChildNames* const names = childNames();
+    if (!names) {
+        for (const NestedObject* child : children()) {
+            if (child != &except && child->name() == name) return true;
+        }
+        return false;
     }
-    // Short lists, and the rare case that the child itself bears the name.
-    for (const NestedObject* child : children()) {
-        if (child != &except && child->name() == name) return true;
-    }
-    return false;
+    const NestedObject* found = names->index.find(name);
+    if (found != &except) return found != nullptr;
+    names->index.rename(&except, [&] { found = names->index.find(name); });
+    return found != nullptr;
 }
 
 TM_String Node::freeChildName(const TM_String& name, NestedObject& child) const {
