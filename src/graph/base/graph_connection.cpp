@@ -7,6 +7,7 @@
 namespace tidemark::graph {
 
 GraphConnection& GraphConnection::operator=(const GraphConnection& other) {
+    if (this == &other) return *this;
     source_ = other.source_;
     target_ = other.target_;
     flag_ = other.flag_;

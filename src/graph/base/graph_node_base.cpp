@@ -53,7 +53,7 @@ GraphNodeBase* otherEnd(const GraphConnection* connection, const GraphNodeBase* 
     return source == node ? connection->getTargetNode() : source;
 }
 
-// Calls `visit` with each connection of the pins until it answers true.
+// Calls `visit` with each connection of a node's pins, once, until it answers true.
 template <typename Visit>
 bool anyConnection(const GraphNodeBase::Pins& pins, Visit visit) {
     for (const GraphNodePin* pin : pins) {
@@ -61,6 +61,8 @@ bool anyConnection(const GraphNodeBase::Pins& pins, Visit visit) {
             if (visit(connection)) return true;
         }
         for (GraphConnection* connection : pin->outputConnections()) {
+            // One that comes back to the node is met at its input.
+            if (connection->getTargetNode() == pin->getParentGraphNodePtr()) continue;
             if (visit(connection)) return true;
         }
     }

@@ -147,6 +147,9 @@ TEST(GraphScene, ConnectBaseDoesNotAsk) {
     EXPECT_EQ(scene.connectBase(a->findPin("out"), nullptr), nullptr);
     EXPECT_NE(scene.connectBase(a->findPin("out"), a->findPin("in")), nullptr);
     EXPECT_TRUE(a->findPin("in")->isFull());
+    GraphScene::Connections found;
+    scene.getConnectionsWithNode(a, found);
+    EXPECT_EQ(textsOf(found), (Names{"a.out>a.in"})) << "once, though both ends are here";
     scene.removeConnectionsWithNode(a);
     EXPECT_TRUE(scene.connections().empty());
     EXPECT_FALSE(a->findPin("out")->isConnected());
