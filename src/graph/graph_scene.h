@@ -217,6 +217,7 @@ protected:
 
 private:
     friend class Node;
+    friend class SceneReader;
 
     template <typename Step>
     void runGuarded(Step step);
