@@ -304,6 +304,10 @@ const PackedXml::BigNode* PackedXml::bigNodeAt(std::size_t offset) const {
     return found == bigNodes_.end() ? nullptr : &found->second;
 }
 
+std::size_t PackedXml::textEnd(std::size_t offset) const {
+    return std::min(bytes_.find('<', offset), bytes_.size());
+}
+
 std::size_t PackedXml::elementEnd(std::size_t offset) const {
     if (const BigNode* big = bigNodeAt(offset)) return big->whole.end;
     const std::string_view text = bytes_;
@@ -322,9 +326,9 @@ std::size_t PackedXml::elementEnd(std::size_t offset) const {
             at = end + 1;
         }
         if (depth == 0) return at;
-        at = text.find('<', at);
+        at = textEnd(at);
     }
-    return offset;
+    return text.size();
 }
 
 } // namespace tidemark::sluice::graph

@@ -63,7 +63,9 @@ public:
     /// Null when the element that begins at `offset` is not big.
     const BigNode* bigNodeAt(std::size_t offset) const;
 
-    /// The end of the element that begins at `offset`, or `offset` when none does.
+    /// Where the text that stands at `offset` ends and the next tag begins.
+    std::size_t textEnd(std::size_t offset) const;
+    /// The end of the element that begins at `offset`.
     std::size_t elementEnd(std::size_t offset) const;
 
     static constexpr std::size_t bigElement = 64 * 1024;

@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: Apache-2.0
+// The steps by which elements become nodes and connections.
+#include "persistence/scene_reader.h"
+
+#include <algorithm>
+#include <boost/property_tree/ptree.hpp>
+
+#include "bridge/host.h"
+#include "graph/node_factory.h"
+#include "graph/scene_manager.h"
+#include "persistence/graph_parsing_helper.h"
+#include "persistence/tree_access.h"
+
+namespace tidemark::sluice::graph {
+
+namespace {
+
+namespace message = bridge::message;
+
+// Looking for what was meant compares with every name at hand: not for thousands of reports, nor
+// among thousands of siblings.
+constexpr unsigned mostSuggestions = 100;
+constexpr uint32_t mostCandidates = 1000;
+
+void post(int id, const Array<TM_String>& arguments) {
+    bridge::CCallbackCenter::Instance().Post(id, arguments);
+}
+
+TM_String fullNameInFile(const TM_String& prefix, const TM_String& name) {
+    if (prefix.empty() || (prefix == "root" && name == "root")) return name;
+    return prefix + "." + name;
+}
+
+const PropertyTree* listOf(const PropertyTree& document, const char* list) {
+    const PropertyTree* scene = tree::child(document, "scene");
+    return scene ? tree::child(*scene, list) : nullptr;
+}
+
+} // namespace
+
+// Nodes.
+
+void SceneReader::clearImported() {
+    scene_.refXmlToImportedName().clear();
+    scene_.arrImportedNodes_.clear();
+    scene_.refXmlImportedLayout().clear();
+}
+
+bool SceneReader::isRefused(const TM_String& lowerType, bool atRoot, const TM_String& fullName,
+                            const TM_String& type) {
+    const bool isInterface = lowerType == "compoundinterface" || lowerType == "inputinterface" ||
+                             lowerType == "outputinterface";
+    if (!atRoot || !isInterface) return false;
+    post(message::interfaceAtRoot, {fullName, type});
+    return true;
+}
+
+Optional<SceneReader::Begun> SceneReader::beginNode(const PropertyTree& tree,
+                                                    const TM_String& prefix, NodeBase* parent) {
+    const TM_String& name = tree::childText(tree, "name");
+    const TM_String& type = tree::childText(tree, "type");
+    Begun begun{nullptr, fullNameInFile(prefix, name)};
+    if (type.empty() && (!parent || name == "root")) {
+        begun.node = parent ? parent : static_cast<NodeBase*>(scene_.getRootNode());
+    } else {
+        const TM_String lower = text::toLower(type);
+        const bool atRoot = !parent || parent->isRoot();
+        if (isRefused(lower, atRoot, begun.fullName, type)) return {};
+        // Evaluators inside of compounds are what interface nodes were once called.
+        const bool isOldInterface = lower == "evaluator" && !atRoot;
+        begun.node = makeNode(tree, isOldInterface ? "CompoundInterface" : type, begun, parent);
+        if (!begun.node) return {};
+    }
+    TM_String nameNow = begun.node->getFullName();
+    if (nameNow != begun.fullName) {
+        scene_.refXmlToImportedName()[begun.fullName] = std::move(nameNow);
+    }
+    return begun;
+}
+
+NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type,
+                                const Begun& begun, NodeBase* parent) {
+    if (!mayMakeNode()) return nullptr;
+    NodeFactory* const factory = SceneManager::instance().getNodeFactoryFromType(type);
+    NodeBase* const node = factory ? factory->createNode() : nullptr;
+    if (!node) {
+        reportUnknownType(type, begun.fullName);
+        return nullptr;
+    }
+    ++nodesMade_;
+    scene_.addNodeToGraph(node);
+    node->setNodeOwner(parent ? parent : scene_.getRootNode());
+    node->setName(tree::childText(tree, "name"));
+    node->refInputPinsOrder().clear();
+    node->refOutputPinsOrder().clear();
+    node->readInputs_fromBoostPropertyTree(tree);
+    node->readOutputs_fromBoostPropertyTree(tree);
+    node->setAutoAffects();
+    scene_.arrImportedNodes_.append(node);
+    return node;
+}
+
+void SceneReader::endNode(NodeBase* node, bool hadChildren) {
+    if (hadChildren) {
+        node->reorderInputPins(node->getInputPinsOrder());
+        node->reorderOutputPins(node->getOutputPinsOrder());
+    }
+    if (auto* full = dynamic_cast<Node*>(node)) full->applyInternalConnections();
+}
+
+Optional<NodeBase*> SceneReader::readNode(const PropertyTree& tree, const TM_String& prefix,
+                                          NodeBase* parent) {
+    if (shouldStop()) return {};
+    const Optional<Begun> begun = beginNode(tree, prefix, parent);
+    if (!begun) return {};
+    const PropertyTree* children = tree::child(tree, "nodes");
+    if (children) {
+        tree::forEach(*children, "node", [&](const PropertyTree& child) {
+            readNode(child, begun->fullName, begun->node);
+        });
+    }
+    endNode(begun->node, children != nullptr);
+    return begun->node;
+}
+
+bool SceneReader::readNodes(const PropertyTree& document, NodeBase* parent, bool clear) {
+    const PropertyTree* nodes = listOf(document, "nodes");
+    if (!nodes) return false;
+    if (clear) clearImported();
+    tree::forEach(*nodes, "node",
+                  [&](const PropertyTree& node) { readNode(node, "root", parent); });
+    return !ended_;
+}
+
+// Pieces of a document.
+
+bool SceneReader::parsePiece(std::string_view text, PropertyTree& tree) {
+    problem_ = parser_.parse(text, tree);
+    if (problem_) ended_ = true;
+    return !ended_;
+}
+
+// Small siblings go through the parser together, a big one by itself.
+template <typename Step>
+void SceneReader::forEachPiece(const PackedXml& document, const PackedXml::Range& list,
+                               Step step) {
+    PackedXml::Range piece{list.begin, list.begin};
+    const auto hand = [&](const PackedXml::BigNode* big) {
+        if (piece.size() > 0 && !shouldStop()) step(piece, big);
+    };
+    while (piece.end < list.end && !ended_) {
+        const PackedXml::BigNode* big = document.bigNodeAt(piece.end);
+        const std::size_t next = document.textEnd(piece.end);
+        if (big || next != piece.end) {
+            hand(nullptr);
+            piece = {next, next};
+        }
+        piece.end = std::min(document.elementEnd(next), list.end);
+        if (!big && piece.size() < PackedXml::bigElement) continue;
+        hand(big);
+        piece.begin = piece.end;
+    }
+    hand(nullptr);
+}
+
+void SceneReader::readChildren(const PackedXml& document, const PackedXml::Range& list,
+                               const TM_String& prefix, NodeBase* parent) {
+    forEachPiece(document, list, [&](const PackedXml::Range& piece, const PackedXml::BigNode* big) {
+        if (big) return readBigNode(document, *big, prefix, parent);
+        PropertyTree nodes;
+        if (!parsePiece(document.text(piece), nodes)) return;
+        tree::forEach(nodes, "node",
+                      [&](const PropertyTree& node) { readNode(node, prefix, parent); });
+        advance(piece.size());
+    });
+}
+
+void SceneReader::readBigNode(const PackedXml& document, const PackedXml::BigNode& element,
+                              const TM_String& prefix, NodeBase* parent) {
+    // The node as it would be without its children.
+    const PackedXml::Range& list = element.children;
+    std::string head(document.text({element.whole.begin, element.whole.end}));
+    if (list.size() > 0) head.erase(list.begin - element.whole.begin, list.size());
+    PropertyTree wrapped;
+    if (!parsePiece(head, wrapped)) return;
+    advance(head.size());
+    const PropertyTree& node = *tree::child(wrapped, "node");
+    const Optional<Begun> begun = beginNode(node, prefix, parent);
+    if (!begun) return advance(list.size());
+    const bool hasChildren = tree::child(node, "nodes") != nullptr;
+    wrapped.clear();
+    readChildren(document, list, begun->fullName, begun->node);
+    endNode(begun->node, hasChildren);
+}
+
+bool SceneReader::readNodes(const PackedXml& document, bool clear) {
+    total_ = document.nodes().size() + document.connections().size();
+    if (!document.hasNodes()) return false;
+    if (clear) clearImported();
+    stage_ = "nodes";
+    readChildren(document, document.nodes(), "root", nullptr);
+    return !ended_;
+}
+
+bool SceneReader::readConnections(const PackedXml& document) {
+    if (!document.hasConnections()) return false;
+    scene_.arrImportedConnections_.clear();
+    stage_ = "connections";
+    forEachPiece(document, document.connections(),
+                 [&](const PackedXml::Range& piece, const PackedXml::BigNode*) {
+                     PropertyTree connections;
+                     if (!parsePiece(document.text(piece), connections)) return;
+                     tree::forEach(
+                         connections, "connection",
+                         [&](const PropertyTree& connection) { readConnection(connection); });
+                     advance(piece.size());
+                 });
+    return !ended_;
+}
+
+void SceneReader::advance(std::size_t bytes) {
+    constexpr std::size_t steps = 100;
+    const std::size_t before = done_;
+    done_ = std::min(done_ + bytes, total_);
+    if (!GraphParsingHelper::readProgress_ || total_ == 0) return;
+    if (done_ == total_ || done_ * steps / total_ != before * steps / total_) {
+        GraphParsingHelper::readProgress_(stage_, done_, total_);
+    }
+}
+
+// Connections.
+
+bool SceneReader::readConnections(const PropertyTree& document) {
+    const PropertyTree* connections = listOf(document, "connections");
+    if (!connections) return false;
+    scene_.arrImportedConnections_.clear();
+    tree::forEach(*connections, "connection", [&](const PropertyTree& connection) {
+        if (!shouldStop()) readConnection(connection);
+    });
+    return !ended_;
+}
+
+void SceneReader::readConnection(const PropertyTree& tree) {
+    const TM_String sourceName = scene_.translatePinName(tree::childText(tree, "source"));
+    const TM_String targetName = scene_.translatePinName(tree::childText(tree, "target"));
+    GraphNodePin* const source = scene_.getPinPtrByFullName(sourceName);
+    GraphNodePin* const target = scene_.getPinPtrByFullName(targetName);
+    if (!source) reportMissingPin(sourceName);
+    if (!target) reportMissingPin(targetName);
+    if (!source || !target) return;
+    if (GraphConnection* connection = scene_.connect(source, target, false)) {
+        scene_.arrImportedConnections_.append(connection);
+        return;
+    }
+    scene_.refMessages().pushError(text::format("Unable to connect '%s' to '%s'",
+                                                sourceName.c_str(), targetName.c_str()));
+}
+
+// Reports.
+
+void SceneReader::reportUnknownType(const TM_String& type, const TM_String& fullName) {
+    const auto [entry, isNew] = nearestTypes_.try_emplace(type);
+    if (isNew && suggestions_ < mostSuggestions) {
+        ++suggestions_;
+        entry->second = SceneManager::instance().nearestNodeType(type);
+    }
+    post(message::unknownNodeType, {type, fullName, entry->second});
+}
+
+void SceneReader::reportMissingPin(const TM_String& fullPinName) {
+    const bool suggest = suggestions_ < mostSuggestions;
+    if (suggest) ++suggestions_;
+    post(message::unknownConnectionPin,
+         {fullPinName, suggest ? nearestPinName(fullPinName) : TM_String()});
+}
+
+// A pin of the node that is named, or the same pin of the node that may have been meant.
+TM_String SceneReader::nearestPinName(const TM_String& fullPinName) const {
+    const std::size_t point = fullPinName.rfind('.');
+    if (point == TM_String::npos) return {};
+    const TM_String nodeName = fullPinName.substr(0, point);
+    const TM_String pinName = fullPinName.substr(point + 1);
+    Array<TM_String> names;
+    if (const GraphNodeBase* node = scene_.getNodePtrByFullName(nodeName)) {
+        for (const GraphNodePin* pin : node->pins()) names.append(pin->getName());
+        const TM_String found = text::nearest(pinName, names);
+        return found.empty() ? found : nodeName + "." + found;
+    }
+    const std::size_t ownerEnd = nodeName.rfind('.');
+    if (ownerEnd == TM_String::npos) return {};
+    const TM_String ownerName = nodeName.substr(0, ownerEnd);
+    const GraphNodeBase* owner = scene_.getNodePtrByFullName(ownerName);
+    if (!owner || owner->children().size() > mostCandidates) return {};
+    for (const GraphNodeBase* child : owner->children()) {
+        if (child->findPin(pinName)) names.append(child->getName());
+    }
+    const TM_String found = text::nearest(nodeName.substr(ownerEnd + 1), names);
+    return found.empty() ? found : ownerName + "." + found + "." + pinName;
+}
+
+// Ends.
+
+bool SceneReader::mayMakeNode() {
+    const uint64_t most = limits::current().maxNodes;
+    if (most == 0 || nodesMade_ < most) return true;
+    if (!problem_) {
+        problem_ = XmlProblem{"more nodes than the limit of " + std::to_string(most), 0};
+    }
+    ended_ = true;
+    return false;
+}
+
+bool SceneReader::shouldStop() {
+    if (scene_.networkManager().isInterrupted()) ended_ = true;
+    return ended_;
+}
+
+} // namespace tidemark::sluice::graph
