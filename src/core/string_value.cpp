@@ -4,6 +4,8 @@
 
 namespace weft {
 
+template class StoredValue<TM_String>;
+
 const ValueKind StringValue::kind{"StringValue"};
 
 TM_String StringValue::asString() const {

@@ -7,6 +7,8 @@
 
 namespace weft {
 
+extern template class SLUICE_API StoredValue<TM_String>;
+
 /// An array of strings; a fresh one holds one empty string.
 class SLUICE_API StringValue : public StoredValue<TM_String> {
 public:
