@@ -81,6 +81,23 @@ bool Node_CompoundInterface::readOutputs_fromBoostPropertyTree(const PropertyTre
     return true;
 }
 
+void Node_CompoundInterface::onRemovingFromScene() {
+    // A network that is thrown away as a whole takes the compound along anyway.
+    const bool isAlone = getScene() && !getScene()->networkManager().isTearingDown();
+    if (isAlone && getNodeOwner()) {
+        removeCounterparts(getArrInputPin());
+        removeCounterparts(getArrOutputPin());
+    }
+    Node::onRemovingFromScene();
+}
+
+void Node_CompoundInterface::removeCounterparts(const Array<Pin*>& pins) {
+    for (uint32_t i = pins.size(); i > 0; --i) {
+        GraphNodePin* const counterpart = pins[i - 1]->getParentGraphNodePinPtr();
+        if (counterpart) counterpart->getParentGraphNodePtr()->removeNodePin(counterpart);
+    }
+}
+
 SLUICE_DEFINE_GRAPH_NODE(CompoundInterface, CompoundInterface)
 
 } // namespace tidemark::sluice::graph

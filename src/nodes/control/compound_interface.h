@@ -48,8 +48,13 @@ public:
     bool readInputs_fromBoostPropertyTree(const PropertyTree& tree) override;
     bool readOutputs_fromBoostPropertyTree(const PropertyTree& tree) override;
 
+protected:
+    /// The counterparts go with the node.
+    void onRemovingFromScene() override;
+
 private:
     void addStoredPin(GraphNodePin* interfacePin, const TM_String& storedName);
+    void removeCounterparts(const Array<Pin*>& pins);
 };
 
 } // namespace tidemark::sluice::graph

@@ -63,6 +63,7 @@ bool Node_Evaluator::readInputs_fromBoostPropertyTree(const PropertyTree& tree) 
 // Before a run.
 
 void Node_Evaluator::preUpdate() {
+    if (!getCoreNode()) return;
     if (evaluator().kernelMode) return preUpdateOfKernel(evaluator());
     weft::NetworkManager& manager = *getCoreNode()->networkManager();
     for (const Pin* pin : getArrInputPin()) {
@@ -93,14 +94,15 @@ void Node_Evaluator::preUpdateOfKernel(Evaluator& evaluator) {
 // The run.
 
 void Node_Evaluator::update() {
-    weft::Node& core = *getCoreNode();
-    const bool monitoring = core.networkManager()->monitoring();
+    weft::Node* const core = getCoreNode();
+    if (!core) return;
+    const bool monitoring = core->networkManager()->monitoring();
     if (monitoring) {
-        core.resetNodeTimer(true);
-        core.startNodeTimer();
+        core->resetNodeTimer(true);
+        core->startNodeTimer();
     }
     for (Pin* pin : getArrInputPin()) pin->update();
-    if (monitoring) core.stopNodeTimer(true);
+    if (monitoring) core->stopNodeTimer(true);
 }
 
 // After a run.
@@ -108,6 +110,7 @@ void Node_Evaluator::update() {
 // Evaluators can feed evaluators, even in a ring. Their part in this phase is only to pass it on,
 // so they are followed here instead of being called, each once.
 void Node_Evaluator::postUpdate() {
+    if (!getCoreNode()) return;
     Array<Node_Evaluator*> passing{this};
     std::unordered_set<const Node*> known{this};
     for (uint32_t i = 0; i < passing.size(); ++i) {
