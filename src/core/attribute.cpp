@@ -114,10 +114,18 @@ void Attribute::clean() {
     if (manager.dirtyHold_ || isClean_) return;
     manager.dirtyHold_ = true;
     ++manager.cleanings_;
-    const bool monitoring = manager.monitoring_;
+    if (!manager.monitoring_) {
+        if (source_) {
+            manager.dirtyHold_ = false;
+            source_->computeFrom(0);
+        }
+        isClean_ = true;
+        manager.dirtyHold_ = false;
+        return;
+    }
     Node* const reader = parent();
     // The reader does not pay for what it waits for.
-    const bool pauses = monitoring && reader && reader->nodeTimer_.isRunning();
+    const bool pauses = reader && reader->nodeTimer_.isRunning();
     Timer::Ticks time = 0;
     if (pauses) {
         time = Timer::now();
@@ -132,7 +140,7 @@ void Attribute::clean() {
     isClean_ = true;
     if (pauses) reader->nodeTimer_.resumeAt(time);
     manager.dirtyHold_ = false;
-    if (monitoring) manager.fireClean(this);
+    manager.fireClean(this);
 }
 
 void Attribute::computeNow() { computeFrom(0); }

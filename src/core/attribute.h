@@ -225,7 +225,7 @@ private:
     void adoptContentSeenByOthers(Attribute* newDestination);
     void becomeSourceOf(Attribute* destination);
 
-    // Flags first: they are what pulls and walks touch.
+    // First what pulls and walks touch, so that it lies on one cache line.
     bool isClean_ = false;
     bool isOutput_ = false;
     bool isInput_ = false;
@@ -234,19 +234,17 @@ private:
     bool isCleaning_ = false;
     bool isEditable_ = true;
     bool toBeEvaluated_ = true;
-    bool isListed_ = false;    // in its parent's inputs or outputs
-    bool hasVertex_ = false;   // ever had an edge
-    bool listens_ = false;     // overrides onDirtied
+    bool isListed_ = false;  // in its parent's inputs or outputs
+    bool hasVertex_ = false; // ever had an edge
+    bool listens_ = false;   // overrides onDirtied
     uint8_t elementCountRule_ = 0;
-    uint32_t mark_ = 0;        // of the manager's latest traversal that saw it
-    uint32_t walkedEpoch_ = 0; // topology epoch of the last walk that began here
-    uint32_t chainEpoch_;      // topology that the chain shows; `NetworkManager::liveEpoch`: today's
-    uint32_t scratch_ = 0;     // index in the group that a solver works on
-    uint32_t refreshDepth_ = 0;
-
+    uint32_t mark_ = 0; // of the manager's latest traversal that saw it
     Value* value_ = nullptr;
     Value* currentValue_ = nullptr;
     Attribute* source_ = nullptr;
+    uint32_t walkedEpoch_ = 0; // topology epoch of the last walk that began here
+    uint32_t chainEpoch_;      // topology that the chain shows; `NetworkManager::liveEpoch`: today's
+    uint32_t scratch_ = 0;     // index in the group that a solver works on
     SmallList<Attribute*> destinations_;
     SmallList<Attribute*> affects_;
     SmallList<Attribute*> affectedBy_;

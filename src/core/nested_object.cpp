@@ -89,20 +89,28 @@ bool NestedObject::hasSameTypeNames(const NestedObject& other) const {
     return a == b;
 }
 
+SmallList<NestedObject*>& NestedObject::childList() {
+    static SmallList<NestedObject*> none;
+    return none;
+}
+
 void NestedObject::addChild(NestedObject* child) {
+    SmallList<NestedObject*>& list = childList();
+    if (&list == &NestedObject::childList()) return;
     // The list may be long: it is searched only for a child that can stand in it.
-    if (child->holders_ > 0 && child->parent_ == this && children_.contains(child)) return;
-    children_.append(child);
+    if (child->holders_ > 0 && child->parent_ == this && list.contains(child)) return;
+    list.append(child);
     ++child->holders_;
     child->retain();
     childAdded(*child);
 }
 
 void NestedObject::removeChild(NestedObject* child) {
-    const int64_t index = children_.indexOf(child);
+    SmallList<NestedObject*>& list = childList();
+    const int64_t index = list.indexOf(child);
     if (index < 0) return;
     childRemoving(*child);
-    children_.removeAt(static_cast<uint32_t>(index));
+    list.removeAt(static_cast<uint32_t>(index));
     --child->holders_;
     child->release();
 }

@@ -44,8 +44,12 @@ public:
     Node* parent() const { return parent_; }
     void setParent(Node* parent) { parent_ = parent; }
 
-    const SmallList<NestedObject*>& children() const { return children_; }
-    /// Appends unless present, and takes a reference. `child->parent()` stays as it is.
+    /// In order of addition. Only nodes have any.
+    const SmallList<NestedObject*>& children() const {
+        return const_cast<NestedObject*>(this)->childList();
+    }
+    /// Appends unless present, and takes a reference. `child->parent()` stays as it is. Nothing on
+    /// an object that has no children.
     void addChild(NestedObject* child);
     /// Removes, keeping the order, and releases the reference.
     void removeChild(NestedObject* child);
@@ -57,6 +61,8 @@ protected:
         classChain_ = classLink<name>(classChain_);
     }
 
+    /// Where the children are kept; in the base an empty list that stays empty.
+    virtual SmallList<NestedObject*>& childList();
     /// Called after a child came and before it goes: keeps name look-ups.
     virtual void childAdded(NestedObject& child) { (void)child; }
     virtual void childRemoving(NestedObject& child) { (void)child; }
@@ -66,10 +72,9 @@ protected:
 private:
     friend class Node;
 
-    TM_String name_;
-    const ClassChain* classChain_ = nullptr;
     Node* parent_;
-    SmallList<NestedObject*> children_;
+    const ClassChain* classChain_ = nullptr;
+    TM_String name_;
 };
 
 } // namespace weft

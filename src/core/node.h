@@ -238,6 +238,7 @@ protected:
     void setUpdateEnabled(bool enabled) { updateEnabled_ = enabled; }
     void setPropagatesPresets(bool propagates) { propagatesPresets_ = propagates; }
 
+    SmallList<NestedObject*>& childList() override { return children_; }
     void childAdded(NestedObject& child) override;
     void childRemoving(NestedObject& child) override;
 
@@ -258,27 +259,29 @@ private:
     void renameChild(NestedObject& child, TM_String name);
     void tearDown();
 
+    // First what an update touches, so that it lies on one cache line.
+    bool isUpdating_ = false;
+    bool updateEnabled_ = true;
+    bool timerNeedsStart_ = true;
+    bool isInvalid_ = false;
+    bool allowDynamicAttributes_ = false;
+    bool propagatesPresets_ = false;
+    int8_t messagePanelVerbosityLevel_ = 2;
+    int8_t threadingModeHint_ = 0;
+    Timer nodeTimer_;
+    Timer::Ticks lastUpdateTicks_ = 0;
     SmallList<Attribute*> outputs_;
     SmallList<Attribute*> inputs_;
     SmallList<Attribute*> dynamicAttributes_;
     SmallList<Node*> nodes_;
+    SmallList<NestedObject*> children_;
     std::unique_ptr<Presets> presets_;
     std::unique_ptr<TM_String> enabledPreset_; // null: "none"
     std::unique_ptr<TM_String> invalidityMessage_;
     mutable std::unique_ptr<ChildNames> childNames_;
     HelpText description_;
-    Timer nodeTimer_;
-    Timer::Ticks lastUpdateTicks_ = 0;
     tidemark::graph::MessageHandler messages_{3};
     int32_t numberOfThreads_ = 0;
-    int8_t messagePanelVerbosityLevel_ = 2;
-    int8_t threadingModeHint_ = 0;
-    bool isInvalid_ = false;
-    bool updateEnabled_ = true;
-    bool allowDynamicAttributes_ = false;
-    bool propagatesPresets_ = false;
-    bool timerNeedsStart_ = true;
-    bool isUpdating_ = false;
 };
 
 } // namespace weft

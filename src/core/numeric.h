@@ -206,16 +206,17 @@ private:
     template <typename T>
     void copySlot(const Numeric& other);
 
+    // First what single numbers touch.
+    NumericType type_ = NumericType::none;
+    uint32_t size_ = 1;
+    alignas(8) unsigned char inline_[inlineBytes];
+    Array<float> reals_;
     Array<int32_t> integers_;
     Array<int64_t> integers64_;
-    Array<float> reals_;
     Array<Vector3<float>> vectors_;
     Array<Color4<float>> colors_;
     Array<Quaternion<float>> quaternions_;
     Array<Matrix4<float>> matrices_;
-    alignas(8) unsigned char inline_[inlineBytes];
-    NumericType type_ = NumericType::none;
-    uint32_t size_ = 1;
 };
 
 /// A numeric input or output. It may become any of the seven numeric types; once one name is left,

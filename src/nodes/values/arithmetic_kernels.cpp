@@ -135,7 +135,11 @@ bool hasWideInstructions() {
 #endif
 
 template <typename Op, typename A, typename B>
-void lanes(const A* a, const B* b, A* result, std::size_t count) {
+inline void lanes(const A* a, const B* b, A* result, std::size_t count) {
+    if (count == 1) {
+        *result = Op::apply(*a, *b);
+        return;
+    }
 #if defined(__x86_64__)
     if constexpr (std::is_arithmetic_v<A>) {
         if (count >= worthWideInstructions && hasWideInstructions()) {
@@ -254,6 +258,10 @@ int64_t kernel(const Numeric& a, const Numeric& b, Numeric& result) {
     const Array<B>& second = b.values<B>();
     const uint32_t firstCount = first.size();
     const uint32_t secondCount = second.size();
+    if (firstCount == 1 && secondCount == 1 && out.size() == 1) {
+        result.setSize(1);
+        return Loop::run(first.data(), second.data(), out.data(), 1);
+    }
     const uint32_t equal = std::min(firstCount, secondCount);
     const uint32_t count = equal == 0 ? 0 : std::max(firstCount, secondCount);
     if constexpr (!Loop::readsResult && std::is_trivially_copyable_v<A>) {
