@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Arithmetic nodes: types, results of every allowed pair, array lengths, overflow and divisions by 0.
+// Arithmetic nodes: types, results of every allowed pair, array lengths, overflow and divisions by
+// 0.
 #include "nodes/values/arithmetic.h"
 
 #include <gtest/gtest.h>
@@ -139,8 +140,10 @@ TEST_P(ArithmeticOperations, KernelsExistForExactlyTheAllowedPairs) {
         EXPECT_NE(nullptr,
                   arithmeticKernel(codes.at(GetParam()), numericTypeOf(a), NumericType::none));
     }
-    EXPECT_EQ(nullptr, arithmeticKernel(codes.at(GetParam()), NumericType::none, NumericType::none));
-    EXPECT_EQ(nullptr, arithmeticKernel(codes.at(GetParam()), NumericType::none, NumericType::real));
+    EXPECT_EQ(nullptr,
+              arithmeticKernel(codes.at(GetParam()), NumericType::none, NumericType::none));
+    EXPECT_EQ(nullptr,
+              arithmeticKernel(codes.at(GetParam()), NumericType::none, NumericType::real));
 }
 
 TEST_P(ArithmeticOperations, UnspecializedDoesNotCompute) {
@@ -188,8 +191,7 @@ const Case pairs[] = {
     {"Add", "[4] (1,2,3)", "[4] (10,20,30)", "[4] (11,22,33)"},
     {"Add", "[5] (1,2,3,4)", "[5] (10,20,30,40)", "[5] (11,22,33,44)"},
     {"Add", "[6] (1,2,3,4)", "[6] (10,20,30,40)", "[6] (11,22,33,44)"},
-    {"Add", "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)",
-     "[7] (1,1,1,1,1,1,1,1,1,1,1,1,1,1,1,1)",
+    {"Add", "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)", "[7] (1,1,1,1,1,1,1,1,1,1,1,1,1,1,1,1)",
      "[7] (2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17)"},
     {"Sub", "[1] 7", "[1] 2", "[1] 5"},
     {"Sub", "[1] 7", "[2] 4294967298", "[1] 5"},
@@ -203,8 +205,7 @@ const Case pairs[] = {
     {"Sub", "[4] (1,2,3)", "[4] (10,20,30)", "[4] (-9,-18,-27)"},
     {"Sub", "[5] (1,2,3,4)", "[5] (10,20,30,40)", "[5] (-9,-18,-27,-36)"},
     {"Sub", "[6] (1,2,3,4)", "[6] (10,20,30,40)", "[6] (-9,-18,-27,-36)"},
-    {"Sub", "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)",
-     "[7] (1,1,1,1,1,1,1,1,1,1,1,1,1,1,1,1)",
+    {"Sub", "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)", "[7] (1,1,1,1,1,1,1,1,1,1,1,1,1,1,1,1)",
      "[7] (0,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15)"},
     {"Mul", "[1] 7", "[1] -2", "[1] -14"},
     {"Mul", "[1] 7", "[2] 4294967298", "[1] 14"},
@@ -229,8 +230,7 @@ const Case pairs[] = {
     {"Mul", "[6] (0,1,0,0)", "[6] (0,0,1,0)", "[6] (0,0,0,1)"},
     {"Mul", "[6] (0,0,1,0)", "[6] (0,1,0,0)", "[6] (0,0,0,-1)"},
     {"Mul", "[6] (1,2,3,4)", "[6] (5,6,7,8)", "[6] (-60,12,30,24)"},
-    {"Mul", "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)",
-     "[7] (1,0,0,0,0,2,0,0,0,0,3,0,1,1,1,1)",
+    {"Mul", "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)", "[7] (1,0,0,0,0,2,0,0,0,0,3,0,1,1,1,1)",
      "[7] (5,8,13,4,13,20,29,8,21,32,45,12,29,44,61,16)"},
     {"Div", "[1] 7", "[1] 2", "[1] 3"},
     {"Div", "[1] -7", "[1] 2", "[1] -3"},
@@ -278,8 +278,7 @@ TEST(Arithmetic, ShorterArraysRepeatTheirLastElement) {
     EXPECT_EQ("[1] 11,21,31", result("Add", "[1] 1", "[1] 10,20,30"));
     EXPECT_EQ("[1] 11,22,32", result("Add", "[1] 1,2", "[1] 10,20,30"));
     EXPECT_EQ("[3] 10,20,20", result("Mul", "[3] 1,2", "[1] 10,10,10"));
-    EXPECT_EQ("[4] (1,1,1),(2,2,2),(4,4,4)",
-              result("Mul", "[4] (1,1,1),(2,2,2)", "[3] 1,1,2"));
+    EXPECT_EQ("[4] (1,1,1),(2,2,2),(4,4,4)", result("Mul", "[4] (1,1,1),(2,2,2)", "[3] 1,1,2"));
 }
 
 TEST(Arithmetic, AnEmptyArrayGivesAnEmptyResult) {

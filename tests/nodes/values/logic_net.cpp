@@ -24,8 +24,7 @@ LogicNet::~LogicNet() = default;
 weft::NetworkManager& LogicNet::manager() { return private_->scene.networkManager(); }
 
 weft::Node& LogicNet::add(const TM_String& type, const TM_String& name) {
-    graph::NodeFactory* factory =
-        graph::SceneManager::instance().getNodeFactoryFromType(type);
+    graph::NodeFactory* factory = graph::SceneManager::instance().getNodeFactoryFromType(type);
     if (!factory) throw std::invalid_argument("no type " + type);
     graph::NodeBase* made = factory->createNode();
     made->setName(name);

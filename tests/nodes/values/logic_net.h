@@ -76,8 +76,10 @@ public:
 
     /// Brings the pin up to date as a reader connected to it would.
     void refresh(const TM_String& name) {
-        if (pin(name).isInput()) pin(name).pull();
-        else pin(name).computeNow();
+        if (pin(name).isInput())
+            pin(name).pull();
+        else
+            pin(name).computeNow();
     }
     /// The text of what the pin shows when it is up to date.
     TM_String text(const TM_String& name) {

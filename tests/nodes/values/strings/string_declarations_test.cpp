@@ -185,8 +185,8 @@ TEST(StringNodes, SourcesOfAnotherClassAreSafe) {
         net.add("Bit", "b");
         net.add("Real", "r");
         for (Attribute* in : node.refInputAttributes()) {
-            Attribute& wrong = in->className() == "BitArrayAttribute" ? net.pin("r.real")
-                                                                      : net.pin("b.bit");
+            Attribute& wrong =
+                in->className() == "BitArrayAttribute" ? net.pin("r.real") : net.pin("b.bit");
             wrong.connectTo(in, nullptr);
             ASSERT_EQ(wrong.value(), in->currentValue()) << row.type;
         }

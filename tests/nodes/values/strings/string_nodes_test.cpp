@@ -31,9 +31,9 @@ public:
 // Constants.
 
 TEST(StringConstants, GiveWhatTheirInputHolds) {
-    for (const auto& [type, out] : {std::pair("String", "n.out"),
-                                    std::pair("StringFilePath", "n.file path"),
-                                    std::pair("StringFolder", "n.folder")}) {
+    for (const auto& [type, out] :
+         {std::pair("String", "n.out"), std::pair("StringFilePath", "n.file path"),
+          std::pair("StringFolder", "n.folder")}) {
         StringNode n(type);
         EXPECT_EQ("", n.text(out));
         n.set("in", " a b ");
