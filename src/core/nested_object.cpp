@@ -37,6 +37,13 @@ TM_String incremented(TM_String digits) {
 NestedObject::NestedObject(NetworkManager* manager, Node* parent)
     : Object(manager), parent_(parent) {}
 
+NestedObject::~NestedObject() {
+    for (NestedObject* child : children_) {
+        --child->holders_;
+        child->release();
+    }
+}
+
 void NestedObject::renameTo(const TM_String& name) {
     TM_String unique = uniqueName(name);
     if (parent_) {
@@ -91,7 +98,11 @@ bool NestedObject::hasSameTypeNames(const NestedObject& other) const {
 
 void NestedObject::addChild(NestedObject* child) {
     // The list may be long: it is searched only for a child that can stand in it.
-    if (child->holders_ > 0 && child->parent_ == this && children_.contains(child)) return;
+    const bool isOthers = child->parent_ && child->parent_ != this;
+    if (child->holders_ > (isOthers ? 1 : 0) && children_.contains(child)) return;
+    // On its way from another parent, which looks it up under its place there.
+    if (child->holders_ > 0 && isOthers) child->parent_->childRemoving(*child);
+    child->childOrder_ = children_.empty() ? 0 : children_.back()->childOrder_ + 1;
     children_.append(child);
     ++child->holders_;
     child->retain();

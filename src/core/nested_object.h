@@ -19,6 +19,7 @@ class SLUICE_API NestedObject : public Object {
 public:
     /// `parent` is noted, not changed: the object joins its lists by the parent's operations.
     NestedObject(NetworkManager* manager, Node* parent);
+    ~NestedObject() override;
 
     const TM_String& name() const { return name_; }
     /// Stores `uniqueName(name)`, then tells the rename callback.
@@ -45,6 +46,8 @@ public:
     void setParent(Node* parent) { parent_ = parent; }
 
     const SmallList<NestedObject*>& children() const { return children_; }
+    /// Rises along the children of one parent.
+    uint32_t childOrder() const { return childOrder_; }
     /// Appends unless present, and takes a reference. `child->parent()` stays as it is.
     void addChild(NestedObject* child);
     /// Removes, keeping the order, and releases the reference.
