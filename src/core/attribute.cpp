@@ -91,9 +91,15 @@ TM_String Attribute::allowedSpecializationsText() const {
 }
 
 void Attribute::setNotifiesDirty(bool notify) {
-    if (notify == notifiesDirty_) return;
+    if (notify == notifiesDirty_ || isDeleted()) return;
     notifiesDirty_ = notify;
     networkManager()->dirtyListeners_ += notify ? 1 : -1;
+}
+
+// Marking in bulk relies on being told what became clean meanwhile.
+void Attribute::setClean(bool clean) {
+    isClean_ = clean;
+    if (clean && networkManager()) ++networkManager()->cleanings_;
 }
 
 void Attribute::listenToDirtied() {
@@ -160,7 +166,7 @@ Timer::Ticks Attribute::compute(Timer::Ticks time) {
         ~CleaningFlag() { flag = false; }
     };
     NetworkManager& manager = *networkManager();
-    if (manager.isInterrupted()) {
+    if (manager.isInterrupted() && manager.evaluating_) {
         if (parent()) manager.noteFailure(parent());
         manager.pollInterrupt();
     }
@@ -183,7 +189,9 @@ Timer::Ticks Attribute::compute(Timer::Ticks time) {
 void Attribute::valueChanged() {
     NetworkManager& manager = *networkManager();
     if (isPassThrough_ || manager.evaluating_) return;
+    const LifeWatch self(this);
     manager.walkDirty(this, false);
+    if (self.isGone()) return;
     if (Node* node = parent()) node->onValueChanged(this);
 }
 
@@ -205,35 +213,24 @@ bool Attribute::checkElementCount() {
 
 // Shared values.
 
-void Attribute::collectReadersBeyondPassThroughs(Array<Attribute*>& readers) {
-    std::vector<Attribute*> beyond{this};
-    const uint32_t mark = networkManager()->nextMark();
-    mark_ = mark;
-    while (!beyond.empty()) {
-        Attribute* step = beyond.back();
-        beyond.pop_back();
-        for (Attribute* destination : step->destinations_) {
-            if (destination->mark_ == mark) continue;
-            destination->mark_ = mark;
-            destination->currentValue_ = currentValue_;
-            if (destination->isPassThrough_) {
-                beyond.push_back(destination);
-            } else {
-                readers.append(destination);
-            }
-        }
-    }
-}
-
 void Attribute::setValue(Value* newValue) {
     if (newValue == value_) return;
     if (newValue) newValue->retain();
     Value* const old = value_;
     value_ = currentValue_ = newValue;
-    Array<Attribute*> readers;
-    collectReadersBeyondPassThroughs(readers);
-    for (Attribute* reader : readers) {
-        if (reader->source_ && reader->source_ != this) reader->source_->refreshCurrentValue();
+    // Every reader down the connections, pass-throughs and inputs that feed inputs included.
+    std::vector<Attribute*> pending{this};
+    const uint32_t mark = networkManager()->nextMark();
+    mark_ = mark;
+    while (!pending.empty()) {
+        const Attribute* step = pending.back();
+        pending.pop_back();
+        for (Attribute* reader : step->destinations_) {
+            if (reader->mark_ == mark) continue;
+            reader->mark_ = mark;
+            reader->currentValue_ = step->currentValue_ ? step->currentValue_ : reader->value_;
+            pending.push_back(reader);
+        }
     }
     // Last, because until here readers may still have looked at it.
     if (old) old->release();
@@ -245,7 +242,7 @@ void Attribute::refreshCurrentValue() {
         a.currentValue_ = offered ? offered : a.value_;
     };
     follow(*this);
-    if (!isPassThrough_ || destinations_.empty()) return;
+    if (destinations_.empty()) return;
     std::vector<Attribute*> pending(destinations_.begin(), destinations_.end());
     while (!pending.empty()) {
         Attribute* reader = pending.back();
@@ -253,7 +250,7 @@ void Attribute::refreshCurrentValue() {
         Value* const before = reader->currentValue_;
         follow(*reader);
         // Nothing new for those beyond, which also ends a ring of pass-throughs.
-        if (reader->currentValue_ == before || !reader->isPassThrough_) continue;
+        if (reader->currentValue_ == before) continue;
         pending.insert(pending.end(), reader->destinations_.begin(), reader->destinations_.end());
     }
 }
@@ -261,7 +258,10 @@ void Attribute::refreshCurrentValue() {
 // Connections.
 
 void Attribute::becomeSourceOf(Attribute* destination) {
+    const LifeWatch self(this);
+    const LifeWatch reader(destination);
     if (destination->source_) destination->disconnectSource();
+    if (self.isGone() || reader.isGone()) return;
     destination->currentValue_ = destination->value_;
     destination->source_ = this;
     networkManager()->addEdge(this, destination);
@@ -283,15 +283,21 @@ void Attribute::adoptContentSeenByOthers(Attribute* newDestination) {
     newDestination->value_->copyFrom(found->value_);
 }
 
+// What is told on the way may delete either end: nodes drop ports that came free, hosts anything.
 bool Attribute::connectTo(Attribute* destination, ErrorObject*) {
     NetworkManager& manager = *networkManager();
+    const LifeWatch self(this);
+    const LifeWatch reader(destination);
     destinations_.append(destination);
     if (destination->source_ != this) becomeSourceOf(destination);
+    if (self.isGone() || reader.isGone()) return false;
     if (!manager.cacheDisabled()) manager.rebuildDirtyChains(this);
     const bool settled = SpecializationSolver(manager).settleConnection(this, destination);
-    if (Node* node = parent()) node->connectionChanged(this);
+    if (!self.isGone() && parent()) parent()->connectionChanged(this);
+    if (reader.isGone()) return settled;
     if (Node* node = destination->parent()) node->connectionChanged(destination);
-    if (Callbacks::_attributeConnectedCallback && manager.monitoring() && !isDeleted()) {
+    if (self.isGone() || reader.isGone() || isDeleted() || !manager.monitoring()) return settled;
+    if (Callbacks::_attributeConnectedCallback) {
         Callbacks::_attributeConnectedCallback(this, destination);
     }
     return settled;
@@ -300,31 +306,32 @@ bool Attribute::connectTo(Attribute* destination, ErrorObject*) {
 void Attribute::disconnectSource() {
     if (!source_) return;
     NetworkManager& manager = *networkManager();
+    const LifeWatch self(this);
     Attribute* const old = source_;
     manager.removeEdge(old, this);
     source_ = nullptr;
     currentValue_ = value_;
     if (old->destinations_.contains(this)) old->removeDestination(this);
-    if (isDeleted()) return;
+    if (self.isGone() || isDeleted()) return;
     refreshCurrentValue();
     if (manager.isTearingDown()) return;
     if (!manager.cacheDisabled()) manager.rebuildDirtyChains(this);
     updateSpecializations(nullptr);
-    manager.walkDirty(this, false);
-    if (Node* node = parent()) node->connectionChanged(this);
-    if (Callbacks::_attributeDisconnectedCallback && manager.monitoring()) {
-        Callbacks::_attributeDisconnectedCallback(this);
-    }
+    if (!self.isGone()) manager.walkDirty(this, false);
+    if (!self.isGone() && parent()) parent()->connectionChanged(this);
+    if (self.isGone() || isDeleted() || !manager.monitoring()) return;
+    if (Callbacks::_attributeDisconnectedCallback) Callbacks::_attributeDisconnectedCallback(this);
 }
 
 void Attribute::removeDestination(Attribute* destination) {
     if (!destination || !destinations_.remove(destination)) return;
-    if (destination->source_ == this) destination->disconnectSource();
     NetworkManager& manager = *networkManager();
-    if (isDeleted() || manager.isTearingDown()) return;
+    const LifeWatch self(this);
+    if (destination->source_ == this) destination->disconnectSource();
+    if (self.isGone() || isDeleted() || manager.isTearingDown()) return;
     if (!manager.cacheDisabled()) manager.rebuildDirtyChains(this);
     updateSpecializations(nullptr);
-    if (Node* node = parent()) node->connectionChanged(this);
+    if (!self.isGone() && parent()) parent()->connectionChanged(this);
 }
 
 // Affects.
@@ -385,26 +392,41 @@ void Attribute::removePassThrough(Attribute* other) {
 
 // Specializations.
 
+void Attribute::noteTypeChange() {
+    if (typeState_ != TypeState::settled) return;
+    typeState_ = TypeState::changed;
+    ++networkManager()->changedTypes_;
+}
+
 void Attribute::setAllowedSpecializations(const SpecializationList& list) {
+    noteTypeChange();
     allowed_ = specializations_ = list;
     specializationChanged(list);
 }
 
 void Attribute::setSpecializationOverride(const TM_String& name) {
+    noteTypeChange();
     override_ = SpecializationList::single(name);
     applySpecializations(override_);
 }
 
+void Attribute::clearSpecializationOverride() {
+    noteTypeChange();
+    override_ = SpecializationList();
+}
+
 void Attribute::applySpecializations(const SpecializationList& list) {
     if (isDeleted()) return;
+    NetworkManager& manager = *networkManager();
+    const LifeWatch self(this);
     specializations_ = list;
     specializationChanged(specializations_);
     if (Node* node = parent()) node->attributeSpecializationChanged(this);
-    NetworkManager& manager = *networkManager();
+    if (self.isGone() || isDeleted()) return;
     if (Callbacks::_attributeSpecializationCallback && manager.monitoring()) {
         Callbacks::_attributeSpecializationCallback(this);
     }
-    manager.walkDirty(this, false);
+    if (!self.isGone()) manager.walkDirty(this, false);
 }
 
 bool Attribute::updateSpecializations(ErrorObject*) {
@@ -413,6 +435,8 @@ bool Attribute::updateSpecializations(ErrorObject*) {
 
 void Attribute::addSpecializationLink(Attribute* other) {
     const SpecializationLink link{this, other};
+    noteTypeChange();
+    other->noteTypeChange();
     links_.append(link);
     if (other != this) other->links_.append(link);
 }
@@ -428,24 +452,27 @@ Array<Attribute*> Attribute::dirtyChain() const {
 
 void Attribute::deleteIt() {
     if (isDeleted()) return;
+    // One that no node holds is its maker's to delete.
+    if (holders_ == 0) return tearDown();
     // The node may hold the only reference, which the teardown gives up on its way.
     const Retained<Attribute> self(this);
     tearDown();
 }
 
-void Attribute::tearDown() {
-    NetworkManager* const manager = networkManager();
-    if (manager && Callbacks::_attributeDeletedCallback && manager->monitoring()) {
-        Callbacks::_attributeDeletedCallback(this);
-    }
-    if (parent()) parent()->removeAttribute(this);
-    if (manager) {
-        if (source_) disconnectSource();
-        const SmallList<Attribute*> destinations = destinations_;
-        for (uint32_t i = destinations.size(); i > 0; --i) removeDestination(destinations[i - 1]);
-    }
+void Attribute::leaveConnections() {
+    if (source_) disconnectSource();
+    const SmallList<Attribute*> readers = destinations_;
+    const uint32_t count = readers.size();
+    // Where nobody is told, from the end: what stays behind the removed one moves.
+    const bool fromTheEnd = networkManager()->isTearingDown();
+    for (uint32_t i = 0; i < count; ++i) removeDestination(readers[fromTheEnd ? count - 1 - i : i]);
+}
+
+void Attribute::leaveRelations() {
     for (Attribute* output : affects_) output->affectedBy_.remove(this);
     for (Attribute* input : affectedBy_) input->affects_.remove(this);
+    affects_.clear();
+    affectedBy_.clear();
     const SmallList<SpecializationLink> links = links_;
     for (const SpecializationLink& link : links) {
         link.first->links_.remove(link);
@@ -458,6 +485,18 @@ void Attribute::tearDown() {
             other->isPassThrough_ = false;
         }
     }
+    allowedPassThroughs_.clear();
+    passThroughs_.clear();
+}
+
+void Attribute::tearDown() {
+    NetworkManager* const manager = networkManager();
+    if (manager && Callbacks::_attributeDeletedCallback && manager->monitoring()) {
+        Callbacks::_attributeDeletedCallback(this);
+    }
+    if (parent()) parent()->removeAttribute(this);
+    if (manager) leaveConnections();
+    leaveRelations();
     if (manager) manager->dropEdgesOf(this);
     if (value_) value_->release();
     value_ = currentValue_ = nullptr;

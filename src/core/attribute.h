@@ -65,7 +65,7 @@ public:
     /// One line, "name type", of the network's script text.
     virtual TM_String asScript() const;
     /// Tears the attribute down: leaves its node, its connections, affects and links, releases its
-    /// value. Safe to call on an attribute that only the node holds.
+    /// value. An attribute that only the node holds is gone afterwards.
     virtual void deleteIt();
     /// Called for every attribute of a dirty chain just after it was marked. A class that overrides
     /// it calls `listenToDirtied()` in its constructor; others are not asked.
@@ -83,6 +83,9 @@ public:
 
     /// As `setDescription`, for literals: nothing is copied.
     void describe(const char* literal) { description_.setLiteral(literal); }
+
+    /// Stores `uniqueName(name)`, then tells the rename callback.
+    void setName(const TM_String& name) { renameTo(name); }
 
     // Reading, writing, changing.
 
@@ -146,14 +149,12 @@ public:
     const SpecializationList& specializationOverride() const { return override_; }
     bool isSpecialized() const { return specializations_.size() == 1; }
     /// The only current specialization, or empty.
-    TM_String specialization() const {
-        return isSpecialized() ? specializations_[0] : TM_String();
-    }
+    TM_String specialization() const { return isSpecialized() ? specializations_[0] : TM_String(); }
     /// Sets what it may be and what it is, and tells `specializationChanged`.
     void setAllowedSpecializations(const SpecializationList& list);
     /// Chooses `name`. Neighbours follow at the next `updateSpecializations`.
     void setSpecializationOverride(const TM_String& name);
-    void clearSpecializationOverride() { override_ = SpecializationList(); }
+    void clearSpecializationOverride();
     /// Stores the list, tells value and node, and walks the dirty chain.
     void applySpecializations(const SpecializationList& list);
     /// Settles the types of the whole connected group anew, beginning here. Connections stand
@@ -166,7 +167,7 @@ public:
 
     bool isClean() const { return isClean_; }
     /// The flag alone: no walk, no callback.
-    void setClean(bool clean) { isClean_ = clean; }
+    void setClean(bool clean);
     bool isInput() const { return isInput_; }
     bool isOutput() const { return isOutput_; }
     bool isPassThrough() const { return isPassThrough_; }
@@ -212,6 +213,8 @@ private:
         uint32_t born;
         uint32_t died;
     };
+    // Whether the types of its group were settled with its own declaration as it is now.
+    enum class TypeState : uint8_t { fresh, settled, changed };
     struct ChainCache {
         uint32_t epoch;
         Array<Attribute*> chain;
@@ -221,9 +224,11 @@ private:
     Timer::Ticks computeFrom(Timer::Ticks time);
     Timer::Ticks compute(Timer::Ticks time);
     void tearDown();
-    void collectReadersBeyondPassThroughs(Array<Attribute*>& readers);
+    void leaveConnections();
+    void leaveRelations();
     void adoptContentSeenByOthers(Attribute* newDestination);
     void becomeSourceOf(Attribute* destination);
+    void noteTypeChange();
 
     // First what pulls and walks touch, so that it lies on one cache line.
     bool isClean_ = false;
@@ -237,7 +242,8 @@ private:
     bool isListed_ = false;  // in its parent's inputs or outputs
     bool hasVertex_ = false; // ever had an edge
     bool listens_ = false;   // overrides onDirtied
-    uint8_t elementCountRule_ = 0;
+    TypeState typeState_ = TypeState::fresh;
+    int32_t elementCountRule_ = 0;
     uint32_t mark_ = 0; // of the manager's latest traversal that saw it
     Value* value_ = nullptr;
     Value* currentValue_ = nullptr;

@@ -173,6 +173,7 @@ void NetworkManager::runPendingDirtyHooks(Attribute* attribute) {
 }
 
 void NetworkManager::walkDirty(Attribute* attribute, bool force) {
+    const LifeWatch watch(attribute);
     if (!dirtyHold_) {
         if (attribute->isClean_ || force) {
             if (hasListeners()) {
@@ -180,11 +181,12 @@ void NetworkManager::walkDirty(Attribute* attribute, bool force) {
             } else {
                 markChain(attribute);
             }
+            if (watch.isGone()) return;
             runPendingDirtyHooks(attribute);
         }
-        fireClean(attribute);
+        if (!watch.isGone()) fireClean(attribute);
     }
-    fireClean(attribute);
+    if (!watch.isGone()) fireClean(attribute);
 }
 
 void NetworkManager::forgetChain(Attribute* attribute) {
@@ -226,40 +228,47 @@ void NetworkManager::markChain(Attribute* attribute) {
 void NetworkManager::markChainTellingListeners(Attribute* attribute) {
     Array<Attribute*> chain;
     collectChain(*attribute, chain);
-    Array<int32_t> ids;
-    ids.reserve(chain.size());
-    for (const Attribute* entry : chain) ids.append(entry->id());
-    const uint32_t removals = removals_;
+    const SurvivingList survivors(this, chain);
     for (uint32_t i = 0; i < chain.size(); ++i) {
-        if (removals_ != removals && findObject(ids[i]) != chain[i]) continue;
+        if (!survivors.holds(i)) continue;
         Attribute* const entry = chain[i];
         entry->isClean_ = false;
         if (entry->listens_) entry->onDirtied();
-        if (!entry->notifiesDirty_ || !monitoring_ || entry->isDeleted()) continue;
+        if (!survivors.holds(i) || !entry->notifiesDirty_ || !monitoring_ || entry->isDeleted())
+            continue;
         if (Callbacks::_attributeDirtiedCallback) Callbacks::_attributeDirtiedCallback(entry);
     }
 }
 
+bool NetworkManager::canMarkTogether() const {
+    return !dirtyHold_ && !hasListeners() && !keepsDeadEdges();
+}
+
 // One mark serves for all: below an attribute that has it everything is dirty already, as long as
-// nothing became clean in between.
+// nothing became clean and no edge was added in between, which only what is told can do.
 void NetworkManager::markAllDirty(const Array<Attribute*>& list) {
-    const bool oneByOne = dirtyHold_ || hasListeners() || keepsDeadEdges();
+    const SurvivingList survivors(this, list);
+    uint64_t cleanings = cleanings_;
+    uint32_t topology = topologyEpoch_;
     uint32_t mark = nextMark();
-    uint32_t cleanings = cleanings_;
-    for (Attribute* attribute : list) {
-        if (oneByOne) {
+    for (uint32_t i = 0; i < list.size(); ++i) {
+        if (!survivors.holds(i)) continue;
+        Attribute* const attribute = list[i];
+        if (!canMarkTogether()) {
             walkDirty(attribute, true);
             continue;
         }
-        if (cleanings_ != cleanings) {
+        if (cleanings_ != cleanings || topologyEpoch_ != topology) {
             mark = nextMark();
             cleanings = cleanings_;
+            topology = topologyEpoch_;
         }
         visitDownstream(attribute, mark, liveEpoch,
                         [](Attribute* found) { found->isClean_ = false; });
+        const LifeWatch watch(attribute);
         runPendingDirtyHooks(attribute);
-        fireClean(attribute);
-        fireClean(attribute);
+        if (!watch.isGone()) fireClean(attribute);
+        if (!watch.isGone()) fireClean(attribute);
     }
 }
 

@@ -33,15 +33,15 @@ const Limits& current() { return settings; }
 void set(const Limits& limits) {
     settings = limits;
     hit = false;
-    untestedElements = limits.maxElements
-                           ? std::min(limits.maxElements, elementsInSmallRequest)
-                           : elementsInSmallRequest;
+    untestedElements = limits.maxElements ? std::min(limits.maxElements, elementsInSmallRequest)
+                                          : elementsInSmallRequest;
 }
 
 bool wasHit() { return hit; }
 
 void checkRequest(uint64_t count, uint64_t elementSize) {
     if (settings.maxElements && count > settings.maxElements) refuse();
+    if (elementSize && count > UINT64_MAX / elementSize) refuse();
     const uint64_t bytes = count * elementSize;
     if (!settings.maxMemory || bytes < largeRequest) return;
     if (bytes > settings.maxMemory || residentBytes() + bytes > settings.maxMemory) refuse();

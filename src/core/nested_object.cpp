@@ -98,7 +98,11 @@ void NestedObject::addChild(NestedObject* child) {
     SmallList<NestedObject*>& list = childList();
     if (&list == &NestedObject::childList()) return;
     // The list may be long: it is searched only for a child that can stand in it.
-    if (child->holders_ > 0 && child->parent_ == this && list.contains(child)) return;
+    const bool isOthers = child->parent_ && child->parent_ != this;
+    if (child->holders_ > (isOthers ? 1 : 0) && list.contains(child)) return;
+    // On its way from another parent, which looks it up under its place there.
+    if (child->holders_ > 0 && isOthers) child->parent_->childRemoving(*child);
+    child->childOrder_ = list.empty() ? 0 : list.back()->childOrder_ + 1;
     list.append(child);
     ++child->holders_;
     child->retain();

@@ -48,6 +48,8 @@ public:
     const SmallList<NestedObject*>& children() const {
         return const_cast<NestedObject*>(this)->childList();
     }
+    /// Rises along the children of one parent.
+    uint32_t childOrder() const { return childOrder_; }
     /// Appends unless present, and takes a reference. `child->parent()` stays as it is. Nothing on
     /// an object that has no children.
     void addChild(NestedObject* child);

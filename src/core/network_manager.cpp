@@ -226,6 +226,9 @@ void NetworkManager::dropEdgesOf(Attribute* attribute) {
     forgetChain(attribute);
     if (attribute->notifiesDirty_) --dirtyListeners_;
     if (attribute->listens_) --dirtyListeners_;
+    attribute->notifiesDirty_ = attribute->listens_ = false;
+    if (attribute->typeState_ == Attribute::TypeState::changed) --changedTypes_;
+    attribute->typeState_ = Attribute::TypeState::fresh;
     if (!attribute->hasVertex_) return;
     ++topologyEpoch_;
     for (const Attribute::Edge& edge : attribute->successors_) {
@@ -243,6 +246,21 @@ void NetworkManager::dropEdgesOf(Attribute* attribute) {
     attribute->successors_.clear();
     attribute->predecessors_.clear();
     std::erase(deadEdgeOwners_, attribute);
+}
+
+// What survives.
+
+SurvivingList::SurvivingList(const NetworkManager* manager, const Array<Attribute*>& list)
+    : manager_(manager), list_(list) {
+    if (!manager_) return;
+    removals_ = manager_->removals_;
+    ids_.reserve(list.size());
+    for (const Attribute* entry : list) ids_.append(entry->id());
+}
+
+bool SurvivingList::holds(uint32_t index) const {
+    if (!manager_ || manager_->removals_ == removals_) return true;
+    return manager_->findObject(ids_[index]) == list_[index];
 }
 
 // Interrupts and failures.

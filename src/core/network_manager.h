@@ -126,6 +126,8 @@ public:
 
 private:
     friend class Object;
+    friend class LifeWatch;
+    friend class SurvivingList;
     friend class Attribute;
     friend class Node;
     friend class SpecializationSolver;
@@ -154,6 +156,7 @@ private:
     void visitDownstream(Attribute* start, uint32_t mark, uint32_t epoch, Visit visit);
     void markChain(Attribute* attribute);
     void markChainTellingListeners(Attribute* attribute);
+    bool canMarkTogether() const;
     bool keepChain(Attribute* attribute);
     void forgetChain(Attribute* attribute);
     bool stepUpstream(uint32_t mine, uint32_t others);
@@ -171,18 +174,46 @@ private:
     uint32_t mark_ = 0;
     uint32_t dirtyListeners_ = 0;
     uint32_t staleAttributes_ = 0;
-    uint32_t removals_ = 0;  // objects that left so far
-    uint32_t cleanings_ = 0; // attributes that became clean so far
+    uint32_t changedTypes_ = 0; // attributes whose declaration changed since their group settled
+    uint64_t removals_ = 0;     // objects that left so far
+    uint64_t cleanings_ = 0;    // attributes that became clean so far
     uint32_t searchedGroupLimit_ = 64;
     int32_t failedNodeId_ = 0;
     uint64_t keptChainBytes_ = 0;
-    std::vector<Attribute*> stack_;     // of traversals; each uses the part above where it began
-    std::vector<Attribute*> upstream_;  // frontiers of `isUpstream`
+    std::vector<Attribute*> stack_;    // of traversals; each uses the part above where it began
+    std::vector<Attribute*> upstream_; // frontiers of `isUpstream`
     std::vector<Attribute*> downstream_;
     std::vector<Attribute*> deadEdgeOwners_;
     tidemark::graph::MessageHandler* sceneMessages_ = nullptr;
 
     static std::atomic<int32_t> _nextAvailableId;
+};
+
+/// Notices when an object is deleted by what is called meanwhile. The manager must outlive it.
+class LifeWatch {
+public:
+    explicit LifeWatch(const Object* object)
+        : manager_(*object->networkManager()), id_(object->id()), removals_(manager_.removals_) {}
+    bool isGone() const { return manager_.removals_ != removals_ && !manager_.findObject(id_); }
+
+private:
+    const NetworkManager& manager_;
+    const int32_t id_;
+    const uint64_t removals_;
+};
+
+/// The same for the attributes of a list, which stays as it is meanwhile. Without a manager nothing
+/// can be noticed.
+class SurvivingList {
+public:
+    SurvivingList(const NetworkManager* manager, const Array<Attribute*>& list);
+    bool holds(uint32_t index) const;
+
+private:
+    const NetworkManager* manager_;
+    const Array<Attribute*>& list_;
+    Array<int32_t> ids_;
+    uint64_t removals_ = 0;
 };
 
 } // namespace weft

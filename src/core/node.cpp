@@ -2,6 +2,9 @@
 // Nodes: structure, declaration, evaluation, presets and teardown.
 #include "core/node.h"
 
+#include <algorithm>
+#include <optional>
+#include <string>
 #include <unordered_map>
 
 #include "bridge/host.h"
@@ -16,16 +19,30 @@ constexpr uint32_t mostChildrenSearched = 16;
 
 struct ChildTraits {
     static std::string_view name(const NestedObject& child) { return child.name(); }
-    static uint32_t order(const NestedObject& child) { return static_cast<uint32_t>(child.id()); }
+    static uint32_t order(const NestedObject& child) { return child.childOrder(); }
 };
 
-std::string_view withoutFinalDigits(std::string_view name) {
-    while (!name.empty() && name.back() >= '0' && name.back() <= '9') name.remove_suffix(1);
-    return name;
+// A name that `NestedObject::nextName` counts up without touching its stem.
+struct NumberedName {
+    TM_String stem;
+    uint64_t number;
+};
+
+std::optional<NumberedName> numbered(const TM_String& name) {
+    constexpr std::size_t mostDigits = 18; // fit the number
+    std::size_t length = name.size();
+    while (length > 0 && name[length - 1] >= '0' && name[length - 1] <= '9') --length;
+    const std::size_t digits = name.size() - length;
+    // "Add05" and "Add100" are in the series of "Add", "Add5" and "Add005" are not.
+    if (digits < 2 || digits > mostDigits || (digits > 2 && name[length] == '0')) return {};
+    TM_String stem = name.substr(0, length);
+    if (stem.find_first_of("0123456789") != TM_String::npos) return {};
+    return NumberedName{std::move(stem), std::stoull(name.substr(length))};
 }
 
-bool hasDigit(std::string_view text) {
-    return text.find_first_of("0123456789") != std::string_view::npos;
+TM_String nameOf(const TM_String& stem, uint64_t number) {
+    const TM_String digits = std::to_string(number);
+    return stem + (digits.size() < 2 ? "0" : "") + digits;
 }
 
 const TM_String noPreset = "none";
@@ -40,14 +57,23 @@ void fill(const SmallList<T>& list, Array<T>& out) {
 
 } // namespace
 
-// The index of a large parent's children, and for each stem that was counted up the name that the
-// next search may begin at: all names of the stem from where a search began up to it are taken.
+// The index of a large parent's children, and for each stem that was counted up which of its
+// numbers are known to be taken: from `first` up to but not including `next`.
 struct Node::ChildNames {
+    struct Taken {
+        uint64_t first;
+        uint64_t next;
+    };
     tidemark::NameIndex<NestedObject, ChildTraits> index;
-    std::unordered_map<std::string, TM_String> nextByStem;
+    std::unordered_map<std::string, Taken> takenByStem;
 
-    void forgetHint(const NestedObject& child) {
-        if (!nextByStem.empty()) nextByStem.erase(TM_String(withoutFinalDigits(child.name())));
+    void becomesFree(const TM_String& name) {
+        if (takenByStem.empty()) return;
+        const std::optional<NumberedName> left = numbered(name);
+        if (!left) return;
+        const auto taken = takenByStem.find(left->stem);
+        if (taken == takenByStem.end() || left->number < taken->second.first) return;
+        taken->second.next = std::min(taken->second.next, left->number);
     }
 };
 
@@ -58,10 +84,16 @@ Node::Node(NetworkManager* manager, const TM_String& name, Node* parent)
 }
 
 Node::~Node() {
-    if (isDeleted()) return;
-    Node::purge();
-    tearDown();
-    markDeleted();
+    if (!isDeleted()) {
+        Node::purge();
+        markDeleted(); // nobody is told of a node that is half gone
+        tearDown();
+    }
+    // Children that were added as such alone, without standing in one of the lists.
+    for (NestedObject* child : children_) {
+        --child->holders_;
+        child->release();
+    }
 }
 
 TM_String Node::asScript() const { return name() + " " + className(); }
@@ -121,7 +153,7 @@ void Node::childAdded(NestedObject& child) {
 
 void Node::childRemoving(NestedObject& child) {
     if (!childNames_) return;
-    childNames_->forgetHint(child);
+    childNames_->becomesFree(child.name());
     childNames_->index.erase(&child);
 }
 
@@ -130,7 +162,7 @@ void Node::renameChild(NestedObject& child, TM_String name) {
         child.name_ = std::move(name);
         return;
     }
-    childNames_->forgetHint(child);
+    childNames_->becomesFree(child.name());
     childNames_->index.rename(&child, [&] { child.name_ = std::move(name); });
 }
 
@@ -152,47 +184,54 @@ TM_String Node::freeChildName(const TM_String& name, NestedObject& child) const 
     if (!hasOtherChild(name, child)) return name;
     TM_String candidate = NestedObject::nextName(name);
     ChildNames* const names = childNames();
-    // With digits inside the stem, names do not count up within one stem.
-    const TM_String stem(withoutFinalDigits(name));
-    const bool counts = names && stem.size() == name.size() && !hasDigit(stem);
-    if (counts) {
-        const auto hint = names->nextByStem.find(stem);
-        if (hint != names->nextByStem.end()) candidate = hint->second;
-    }
+    const std::optional<NumberedName> begin = numbered(candidate);
+    if (names && begin) return freeNumberedName(*names, begin->stem, begin->number, child);
     while (hasOtherChild(candidate, child)) candidate = NestedObject::nextName(candidate);
-    if (counts) names->nextByStem[stem] = candidate;
+    return candidate;
+}
+
+// The first name of the stem from `number` on that is free for the child. Not told from the start
+// each time: many nodes of one type would cost the square of their number.
+TM_String Node::freeNumberedName(ChildNames& names, const TM_String& stem, uint64_t number,
+                                 NestedObject& child) const {
+    ChildNames::Taken fresh{number, number};
+    ChildNames::Taken& taken = names.takenByStem.try_emplace(stem, fresh).first->second;
+    if (number < taken.first || number > taken.next) taken = fresh;
+    const std::optional<NumberedName> own = numbered(child.name());
+    const bool isOwnTaken = own && own->stem == stem && own->number >= number &&
+                            own->number < taken.next && !hasOtherChild(child.name(), child);
+    if (isOwnTaken) return child.name();
+    TM_String candidate = nameOf(stem, taken.next);
+    while (hasOtherChild(candidate, child)) candidate = nameOf(stem, ++taken.next);
     return candidate;
 }
 
 // Structure.
 
-void Node::addAttribute(Attribute* attribute, bool isInput) {
+bool Node::addAttribute(Attribute* attribute, bool isInput) {
     SmallList<Attribute*>& list = isInput ? inputs_ : outputs_;
-    if (attribute->parent() == this && attribute->isListed_ && list.contains(attribute)) return;
-    if (Node* other = attribute->parent(); other && other != this) {
-        const Retained<Attribute> kept(attribute);
-        other->removeAttribute(attribute);
-        attribute->setParent(this);
-        attribute->isInput_ = isInput;
-        list.append(attribute);
-        addChild(attribute);
-    } else {
-        list.append(attribute);
-        attribute->setParent(this);
-        addChild(attribute);
-    }
+    const bool isMine = attribute->parent() == this && attribute->isListed_;
+    if (isMine && list.contains(attribute)) return false;
+    if (isMine) (isInput ? outputs_ : inputs_).remove(attribute); // changes sides
+    const Retained<Attribute> kept(attribute);
+    Node* const other = attribute->parent();
+    if (other && other != this) other->removeAttribute(attribute);
     attribute->isInput_ = isInput;
     attribute->isOutput_ = !isInput;
     attribute->isListed_ = true;
-    const auto callback = isInput ? Callbacks::_addInputAttributeCallback
-                                  : Callbacks::_addOutputAttributeCallback;
+    list.append(attribute);
+    attribute->setParent(this);
+    addChild(attribute);
+    const auto callback =
+        isInput ? Callbacks::_addInputAttributeCallback : Callbacks::_addOutputAttributeCallback;
     if (callback && networkManager()->monitoring() && !isDeleted()) callback(this, attribute);
+    return true;
 }
 
 void Node::addInputAttribute(Attribute* attribute) { addAttribute(attribute, true); }
 
 void Node::addOutputAttribute(Attribute* attribute) {
-    addAttribute(attribute, false);
+    if (!addAttribute(attribute, false)) return;
     if (attribute->classNameView() != "EvaluateAttribute") return;
     static const SpecializationList evaluate{"Evaluate"};
     attribute->setAllowedSpecializations(evaluate);
@@ -201,13 +240,11 @@ void Node::addOutputAttribute(Attribute* attribute) {
 void Node::removeAttribute(Attribute* attribute) {
     const bool wasListed = inputs_.remove(attribute) || outputs_.remove(attribute);
     dynamicAttributes_.remove(attribute);
-    if (attribute->parent() == this) {
-        attribute->setParent(nullptr);
-        attribute->isListed_ = false;
-    }
+    if (attribute->parent() == this) attribute->setParent(nullptr);
     if (!wasListed) return;
-    if (Callbacks::_removeAttributeCallback && networkManager() &&
-        networkManager()->monitoring() && !isDeleted()) {
+    attribute->isListed_ = false;
+    if (Callbacks::_removeAttributeCallback && networkManager() && networkManager()->monitoring() &&
+        !isDeleted()) {
         Callbacks::_removeAttributeCallback(this, attribute);
     }
     removeChild(attribute);
@@ -287,7 +324,10 @@ void Node::addDynamicAttribute(Attribute* attribute) {
 // Declaration.
 
 void Node::setAttributeAffect(Attribute* in, Attribute* out) {
-    const bool areMine = in && out && in->parent() == this && out->parent() == this;
+    const auto isMine = [this](const Attribute* a) {
+        return a && a->parent() == this && a->isListed_;
+    };
+    const bool areMine = isMine(in) && isMine(out);
     if (!areMine || !out->isOutput_ || out->affectedBy_.contains(in)) return;
     if (networkManager()->isUpstream(in, out)) return;
     in->addAffect(out);
@@ -409,8 +449,7 @@ void Node::connectionChanged(Attribute* attribute) {
 bool Node::checkSpecialization(const Attribute* attribute) {
     if (attribute->isSpecialized()) return true;
     if (isVerbosityLevelAllowed(tidemark::graph::messageLevelError)) {
-        pushError(
-            tidemark::text::format("input '%s' not specialized", attribute->name().c_str()));
+        pushError(tidemark::text::format("input '%s' not specialized", attribute->name().c_str()));
     }
     return false;
 }
@@ -477,24 +516,38 @@ const TM_String& Node::invalidityMessage() const {
 
 void Node::deleteIt() {
     if (isDeleted()) return;
+    // One that no parent holds is its maker's to delete.
+    if (holders_ == 0) {
+        tearDown();
+        return markDeleted();
+    }
     // The parent may hold the only reference, which the teardown gives up on its way.
     const Retained<Node> self(this);
     tearDown();
     markDeleted();
 }
 
+// In order where somebody is told; otherwise from the end, where nothing has to move up.
 void Node::tearDown() {
-    if (Callbacks::_deleteItCallback && networkManager() && networkManager()->monitoring()) {
-        Callbacks::_deleteItCallback(this);
-    }
+    const NetworkManager* const manager = networkManager();
+    const bool isTold = manager && manager->monitoring() && !isDeleted();
+    if (Callbacks::_deleteItCallback && isTold) Callbacks::_deleteItCallback(this);
     if (parent()) parent()->removeNode(this);
+    const bool isInOrder = isTold && !manager->isTearingDown();
     const SmallList<Node*> nodes = nodes_;
-    for (uint32_t i = nodes.size(); i > 0; --i) removeNode(nodes[i - 1]);
+    const uint32_t nodeCount = nodes.size();
+    const bool areNodesTold = isInOrder && Callbacks::_removeNodeCallback;
+    for (uint32_t i = 0; i < nodeCount; ++i) {
+        removeNode(nodes[areNodesTold ? i : nodeCount - 1 - i]);
+    }
     Array<Attribute*> all;
     attributes(all);
-    for (uint32_t i = all.size(); i > 0; --i) {
-        all[i - 1]->setParent(nullptr);
-        removeAttribute(all[i - 1]);
+    if (!isInOrder) std::reverse(all.begin(), all.end());
+    const SurvivingList survivors(manager, all);
+    for (uint32_t i = 0; i < all.size(); ++i) {
+        if (!survivors.holds(i)) continue;
+        all[i]->setParent(nullptr);
+        removeAttribute(all[i]);
     }
 }
 

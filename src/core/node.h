@@ -249,13 +249,15 @@ private:
     using Presets = std::map<TM_String, std::map<int32_t, TM_String>>;
     struct ChildNames;
 
-    void addAttribute(Attribute* attribute, bool isInput);
+    bool addAttribute(Attribute* attribute, bool isInput);
     void connectionChanged(Attribute* attribute);
     class UpdateScope;
     Timer::Ticks updateTimed(Attribute* attribute, Timer::Ticks time);
     ChildNames* childNames() const;
     bool hasOtherChild(std::string_view name, NestedObject& except) const;
     TM_String freeChildName(const TM_String& name, NestedObject& child) const;
+    TM_String freeNumberedName(ChildNames& names, const TM_String& stem, uint64_t number,
+                               NestedObject& child) const;
     void renameChild(NestedObject& child, TM_String name);
     void tearDown();
 
@@ -266,7 +268,6 @@ private:
     bool isInvalid_ = false;
     bool allowDynamicAttributes_ = false;
     bool propagatesPresets_ = false;
-    int8_t messagePanelVerbosityLevel_ = 2;
     int8_t threadingModeHint_ = 0;
     Timer nodeTimer_;
     Timer::Ticks lastUpdateTicks_ = 0;
@@ -282,6 +283,7 @@ private:
     HelpText description_;
     tidemark::graph::MessageHandler messages_{3};
     int32_t numberOfThreads_ = 0;
+    int32_t messagePanelVerbosityLevel_ = 2;
 };
 
 } // namespace weft

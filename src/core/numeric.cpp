@@ -9,8 +9,8 @@ namespace weft {
 namespace {
 
 const std::array<TM_String, 8>& names() {
-    static const std::array<TM_String, 8> table = {
-        "", "Integer", "Integer64", "Real", "Vector3", "Color4", "Quaternion", "Matrix4"};
+    static const std::array<TM_String, 8> table = {"",        "Integer", "Integer64",  "Real",
+                                                   "Vector3", "Color4",  "Quaternion", "Matrix4"};
     return table;
 }
 
@@ -112,9 +112,8 @@ void Numeric::purge() {
 
 uint64_t Numeric::estimatedSize() const {
     uint64_t bytes = 0;
-    const_cast<Numeric*>(this)->eachSlot([&](const auto& array) {
-        bytes += uint64_t(array.capacity()) * sizeof(array[0]);
-    });
+    const_cast<Numeric*>(this)->eachSlot(
+        [&](const auto& array) { bytes += uint64_t(array.capacity()) * sizeof(array[0]); });
     return bytes;
 }
 

@@ -50,14 +50,22 @@ inline constexpr NumericType numericTypeFor<Matrix4<float>> = NumericType::matri
 template <typename Visit>
 void withElementType(NumericType type, Visit visit) {
     switch (type) {
-    case NumericType::none: return;
-    case NumericType::integer: return visit.template operator()<int32_t>();
-    case NumericType::integer64: return visit.template operator()<int64_t>();
-    case NumericType::real: return visit.template operator()<float>();
-    case NumericType::vector3: return visit.template operator()<Vector3<float>>();
-    case NumericType::color4: return visit.template operator()<Color4<float>>();
-    case NumericType::quaternion: return visit.template operator()<Quaternion<float>>();
-    case NumericType::matrix4: return visit.template operator()<Matrix4<float>>();
+    case NumericType::none:
+        return;
+    case NumericType::integer:
+        return visit.template operator()<int32_t>();
+    case NumericType::integer64:
+        return visit.template operator()<int64_t>();
+    case NumericType::real:
+        return visit.template operator()<float>();
+    case NumericType::vector3:
+        return visit.template operator()<Vector3<float>>();
+    case NumericType::color4:
+        return visit.template operator()<Color4<float>>();
+    case NumericType::quaternion:
+        return visit.template operator()<Quaternion<float>>();
+    case NumericType::matrix4:
+        return visit.template operator()<Matrix4<float>>();
     }
 }
 
@@ -162,12 +170,18 @@ private:
 
     template <typename T>
     Array<T>& slot() {
-        if constexpr (std::is_same_v<T, int32_t>) return integers_;
-        else if constexpr (std::is_same_v<T, int64_t>) return integers64_;
-        else if constexpr (std::is_same_v<T, float>) return reals_;
-        else if constexpr (std::is_same_v<T, Vector3<float>>) return vectors_;
-        else if constexpr (std::is_same_v<T, Color4<float>>) return colors_;
-        else if constexpr (std::is_same_v<T, Quaternion<float>>) return quaternions_;
+        if constexpr (std::is_same_v<T, int32_t>)
+            return integers_;
+        else if constexpr (std::is_same_v<T, int64_t>)
+            return integers64_;
+        else if constexpr (std::is_same_v<T, float>)
+            return reals_;
+        else if constexpr (std::is_same_v<T, Vector3<float>>)
+            return vectors_;
+        else if constexpr (std::is_same_v<T, Color4<float>>)
+            return colors_;
+        else if constexpr (std::is_same_v<T, Quaternion<float>>)
+            return quaternions_;
         else {
             static_assert(std::is_same_v<T, Matrix4<float>>, "not an element type of numbers");
             return matrices_;

@@ -65,9 +65,8 @@ TM_String arrayText(const Numeric& number) {
     const Array<T>& array = number.values<T>();
     const uint32_t count = array.size() < number.size() ? array.size() : number.size();
     // Matrices take the commas of the vectors beside them. Readers of old texts rely on it.
-    const uint32_t commas = numericTypeFor<T> == NumericType::matrix4
-                                ? number.values<Vector3<float>>().size()
-                                : count;
+    const uint32_t commas =
+        numericTypeFor<T> == NumericType::matrix4 ? number.values<Vector3<float>>().size() : count;
     TM_String out;
     for (uint32_t i = 0; i < count; ++i) {
         appendElement(out, array[i]);

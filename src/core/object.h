@@ -50,9 +50,12 @@ protected:
 private:
     friend class NetworkManager;
 
+    friend class NestedObject;
+
     bool isDeleted_ = false;
     std::atomic<int32_t> refCount_{0};
     int32_t id_;
+    uint32_t childOrder_ = 0; // of nested objects; stands here for room
     NetworkManager* networkManager_;
 };
 

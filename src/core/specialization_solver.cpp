@@ -18,12 +18,6 @@ constexpr int mostSearchRounds = 100;
 // only a node whose links contradict themselves comes near.
 constexpr uint64_t mostVisitsPerAttribute = 200;
 
-bool isHeard() {
-    if (Callbacks::_attributeSpecializationCallback) return true;
-    if (!Callbacks::_attributeCleanCallback) return false;
-    return !Callbacks::nobodyListens || !Callbacks::nobodyListens();
-}
-
 } // namespace
 
 // The group in the order of recursion: both ends of each link, the source, each destination. False
@@ -74,39 +68,70 @@ uint32_t SpecializationSolver::indexOf(Attribute* attribute) {
 
 bool SpecializationSolver::settle(Attribute* start) {
     if (manager_.isTearingDown()) return true;
-    bool settled = true;
-    if (gather(start, manager_.searchedGroupLimit())) {
-        seedFromAllowed();
-        settled = search(start);
-    } else {
-        gather(start, UINT32_MAX);
-        seedFromAllowed();
-        queue_.clear();
-        for (uint32_t i = static_cast<uint32_t>(entries_.size()); i > 0; --i) {
-            entries_[i - 1].isQueued = true;
-            queue_.push_back(i - 1);
-        }
-        settled = propagate();
+    if (!gather(start, manager_.searchedGroupLimit())) return settleByPropagation(start);
+    seedFromAllowed();
+    const bool settled = search(start);
+    markSettled();
+    applyAll();
+    return settled;
+}
+
+bool SpecializationSolver::settleByPropagation(Attribute* start) {
+    gather(start, UINT32_MAX);
+    seedFromAllowed();
+    queue_.clear();
+    for (uint32_t i = static_cast<uint32_t>(entries_.size()); i > 0; --i) {
+        entries_[i - 1].isQueued = true;
+        queue_.push_back(i - 1);
     }
+    const bool settled = propagate();
+    markSettled();
     applyAll();
     return settled;
 }
 
 bool SpecializationSolver::settleConnection(Attribute* source, Attribute* destination) {
     if (manager_.isTearingDown()) return true;
-    if (gather(source, manager_.searchedGroupLimit())) {
-        seedFromAllowed();
-        const bool settled = search(source);
-        applyAll();
-        return settled;
-    }
+    if (gather(source, manager_.searchedGroupLimit())) return settle(source);
+    if (manager_.changedTypes_ > 0 && isGroupChanged(source)) return settleByPropagation(source);
     isGathered_ = false;
     entries_.clear();
+    queueFresh(source);
+    queueFresh(destination);
     narrowPair(source, destination);
     const bool settled = propagate();
-    applyChanges();
-    touchGroup(source);
+    markSettled();
+    applyConnection(source);
     return settled;
+}
+
+bool SpecializationSolver::isGroupChanged(Attribute* start) {
+    gather(start, UINT32_MAX);
+    return std::any_of(entries_.begin(), entries_.end(), [](const Entry& entry) {
+        return entry.attribute->typeState_ == Attribute::TypeState::changed;
+    });
+}
+
+// What was never settled may have links that narrow though the connection itself changes nothing.
+void SpecializationSolver::queueFresh(Attribute* start) {
+    std::vector<Attribute*> pending{start};
+    while (!pending.empty()) {
+        Attribute* const step = pending.back();
+        pending.pop_back();
+        const uint32_t index = indexOf(step);
+        if (entries_[index].isQueued) continue;
+        entries_[index].isQueued = true;
+        queue_.push_back(index);
+        const auto look = [&pending](Attribute* next) {
+            if (next->typeState_ == Attribute::TypeState::fresh) pending.push_back(next);
+        };
+        for (const SpecializationLink& link : step->links_) {
+            look(link.first);
+            look(link.second);
+        }
+        if (step->source_) look(step->source_);
+        for (Attribute* destination : step->destinations_) look(destination);
+    }
 }
 
 // The search.
@@ -240,12 +265,20 @@ bool SpecializationSolver::propagate() {
 
 // Applying.
 
+void SpecializationSolver::markSettled() {
+    for (const Entry& entry : entries_) {
+        Attribute::TypeState& state = entry.attribute->typeState_;
+        if (state == Attribute::TypeState::changed) --manager_.changedTypes_;
+        state = Attribute::TypeState::settled;
+    }
+}
+
 // What is told may delete attributes of the group, so they are found again by id.
 void SpecializationSolver::applyAll() {
     std::vector<Entry> entries = std::move(entries_);
     std::sort(entries.begin(), entries.end(),
               [](const Entry& a, const Entry& b) { return a.id < b.id; });
-    const uint32_t removals = manager_.removals_;
+    const uint64_t removals = manager_.removals_;
     for (const Entry& entry : entries) {
         if (manager_.removals_ != removals && !manager_.findObject(entry.id)) continue;
         entry.attribute->applySpecializations(entry.list);
@@ -259,19 +292,30 @@ void SpecializationSolver::applyChanges() {
     applyAll();
 }
 
+bool SpecializationSolver::isHeard() const {
+    if (manager_.hasListeners() || !Callbacks::pendingDirtyHooks.empty()) return true;
+    if (!manager_.monitoring()) return false;
+    if (Callbacks::_attributeSpecializationCallback) return true;
+    if (!Callbacks::_attributeCleanCallback) return false;
+    return !Callbacks::nobodyListens || !Callbacks::nobodyListens();
+}
+
 // A change of types re-applies every attribute of the group, changed or not. Where that could only
-// be seen by something being clean or by somebody listening, it is left out.
-void SpecializationSolver::touchGroup(Attribute* start) {
+// be seen by something being clean, the unchanged ones are just marked.
+void SpecializationSolver::applyConnection(Attribute* start) {
     const bool heard = isHeard();
-    if (!heard && manager_.cleanings_ == 0) return;
+    if (!heard && manager_.cleanings_ == 0) return applyChanges();
+    const std::vector<Entry> narrowed = std::move(entries_);
     gather(start, UINT32_MAX);
-    if (heard) {
-        for (Entry& entry : entries_) entry.list = entry.attribute->specializations_;
-        return applyAll();
+    for (Entry& entry : entries_) entry.list = entry.attribute->specializations_;
+    for (const Entry& entry : narrowed) listOf(entry.attribute) = entry.list;
+    if (heard) return applyAll();
+    Array<Attribute*> clean;
+    for (const Entry& entry : entries_) {
+        if (entry.attribute->isClean_) clean.append(entry.attribute);
     }
-    Array<Attribute*> group;
-    for (const Entry& entry : entries_) group.append(entry.attribute);
-    manager_.markAllDirty(group);
+    manager_.markAllDirty(clean);
+    applyChanges();
 }
 
 } // namespace weft

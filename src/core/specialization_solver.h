@@ -3,12 +3,14 @@
 //
 // Attributes that are linked or connected form a group. Two methods narrow what each may be:
 //
-// - The search, for groups up to `NetworkManager::searchedGroupLimit`. It begins anew from what every
+// - The search, for groups up to `NetworkManager::searchedGroupLimit`. It begins anew from what
+// every
 //   attribute is allowed to be, and pushes narrower lists along connections, one found at a time,
 //   at most 100 times. Its result can depend on where it begins.
 // - The propagation, for larger groups, where the search would cost the square of the group and run
 //   into its bound. It narrows along connections and links until nothing changes, and a new
-//   connection begins from what is settled already, so that it touches only what it changes.
+//   connection begins from what is settled already, so that it touches only what it changes. It
+//   begins anew where a declaration changed since the group was settled.
 #pragma once
 
 #include <cstdint>
@@ -52,14 +54,19 @@ private:
     bool isCandidate(Attribute* attribute, Attribute* previous, bool viaLink);
     void push(Attribute* attribute, SpecializationList list);
 
+    bool settleByPropagation(Attribute* start);
+    bool isGroupChanged(Attribute* start);
+    void queueFresh(Attribute* start);
     bool propagate();
     void narrowPair(Attribute* a, Attribute* b);
     void narrowLink(const SpecializationLink& link);
     void store(uint32_t index, SpecializationList list);
 
+    void markSettled();
     void applyAll();
     void applyChanges();
-    void touchGroup(Attribute* start);
+    void applyConnection(Attribute* start);
+    bool isHeard() const;
 
     NetworkManager& manager_;
     std::vector<Entry> entries_;

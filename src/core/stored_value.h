@@ -92,7 +92,8 @@ private:
     }
 
     const ValueKind* kind_;
-    alignas(T) unsigned char inline_[inlineBytes != 0 ? inlineBytes : 1]; // outlives the array on it
+    alignas(
+        T) unsigned char inline_[inlineBytes != 0 ? inlineBytes : 1]; // outlives the array on it
     Array<T> elements_;
 };
 

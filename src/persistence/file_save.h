@@ -5,6 +5,7 @@
 
 #include <string_view>
 
+#include "core/export.h"
 #include "core/text.h"
 
 namespace tidemark::sluice::graph {
@@ -16,7 +17,7 @@ namespace tidemark::sluice::graph {
 /// Until `commit` succeeds the old file is untouched; the destructor removes the temporary file of a
 /// save that did not get that far. A process that is killed leaves it behind, named
 /// ".sluice-save-<process>-<number>".
-class FileSave {
+class SLUICE_API FileSave {
 public:
     explicit FileSave(const TM_String& path);
     FileSave(const FileSave&) = delete;

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "core/export.h"
 #include "core/text.h"
 #include "core/types.h"
 
@@ -24,11 +25,11 @@ struct XmlProblem {
 };
 
 /// Nesting depth beyond which documents are refused; 1,024 unless set.
-unsigned maximumXmlDepth();
+SLUICE_API unsigned maximumXmlDepth();
 /// Between 1 and 8,192, whatever is asked for: parser and tree recurse with the nesting.
-void setMaximumXmlDepth(unsigned levels);
+SLUICE_API void setMaximumXmlDepth(unsigned levels);
 
-class PackedXml {
+class SLUICE_API PackedXml {
 public:
     /// Offsets into `text()`; empty when begin and end are equal.
     struct Range {

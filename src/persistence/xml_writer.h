@@ -9,13 +9,14 @@
 #include <string_view>
 #include <vector>
 
+#include "core/export.h"
 #include "core/text.h"
 #include "core/types.h"
 #include "graph/property_tree_fwd.h"
 
 namespace tidemark::sluice::graph {
 
-class XmlWriter {
+class SLUICE_API XmlWriter {
 public:
     /// Takes finished pieces of the document; false ends the writing.
     using Sink = std::function<bool(std::string_view piece)>;
@@ -61,6 +62,6 @@ private:
 
 /// Where in `tree` the first text lies that is not UTF-8, for a report: 'the "value" of pin "in" of
 /// node "Path_01"'. Empty when all is well.
-TM_String findBadText(const PropertyTree& tree);
+SLUICE_API TM_String findBadText(const PropertyTree& tree);
 
 } // namespace tidemark::sluice::graph

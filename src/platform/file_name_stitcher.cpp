@@ -11,10 +11,14 @@ namespace {
 
 const char* separatorOf(FrameExtensionOrder order) {
     switch (order) {
-    case FrameExtensionOrder::nameUnderscoreFrame: return "_";
-    case FrameExtensionOrder::nameDotFrame: return ".";
-    case FrameExtensionOrder::nameFrame: return "";
-    case FrameExtensionOrder::nameDashFrame: return "-";
+    case FrameExtensionOrder::nameUnderscoreFrame:
+        return "_";
+    case FrameExtensionOrder::nameDotFrame:
+        return ".";
+    case FrameExtensionOrder::nameFrame:
+        return "";
+    case FrameExtensionOrder::nameDashFrame:
+        return "-";
     }
     return nullptr;
 }

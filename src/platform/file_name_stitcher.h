@@ -2,7 +2,8 @@
 // Names of numbered files: where the frame number stands between the name and the extension.
 //
 //     char format[FileNameStitcher::formatCapacity];
-//     FileNameStitcher::instance().setFormatStr(format, FrameExtensionOrder::nameUnderscoreFrame, 4);
+//     FileNameStitcher::instance().setFormatStr(format, FrameExtensionOrder::nameUnderscoreFrame,
+//     4);
 //     // "%s_%04i.%s": name, frame, extension
 #pragma once
 

@@ -26,10 +26,9 @@ protected:
     Numeric& number_ = *holder_;
 };
 
-constexpr NumericType allSelectors[] = {NumericType::integer, NumericType::integer64,
-                                        NumericType::real,    NumericType::vector3,
-                                        NumericType::color4,  NumericType::quaternion,
-                                        NumericType::matrix4};
+constexpr NumericType allSelectors[] = {
+    NumericType::integer, NumericType::integer64,  NumericType::real,   NumericType::vector3,
+    NumericType::color4,  NumericType::quaternion, NumericType::matrix4};
 
 TEST_F(NumericTest, FreshValueHoldsOneDefaultPerType) {
     EXPECT_EQ(NumericType::none, number_.type());

@@ -137,8 +137,10 @@ protected:
     template <typename A>
     A* add(const char* name, bool output = false) {
         A* attribute = new A(&manager_, name, node_.get());
-        if (output) node_->addOutputAttribute(attribute);
-        else node_->addInputAttribute(attribute);
+        if (output)
+            node_->addOutputAttribute(attribute);
+        else
+            node_->addInputAttribute(attribute);
         return attribute;
     }
     ~StringAttributeTest() override { node_->deleteIt(); }

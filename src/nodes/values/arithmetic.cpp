@@ -112,8 +112,8 @@ void ArithmeticNode::filterPairs(SpecializationList& in1List,
 
 void ArithmeticNode::attributeSpecializationChanged(Attribute*) {
     const NumericType type = selectorOf(*in0_);
-    operation_ = type == NumericType::none ? nullptr
-                                           : arithmeticKernel(code_, type, selectorOf(*in1_));
+    operation_ =
+        type == NumericType::none ? nullptr : arithmeticKernel(code_, type, selectorOf(*in1_));
 }
 
 AddNode::AddNode(NetworkManager* manager, const TM_String& name, Node* parent)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The four basic arithmetic nodes. The result has the type of the first operand; which loop computes
-// it is decided once, when the types settle.
+// The four basic arithmetic nodes. The result has the type of the first operand; which loop
+// computes it is decided once, when the types settle.
 #pragma once
 
 #include "core/node.h"
@@ -9,8 +9,8 @@
 
 namespace weft {
 
-/// "in0" op "in1" gives "result", element by element; see `ArithmeticKernel`. While the type of "in0"
-/// is open nothing is computed, while only that of "in1" is, the result is a copy of "in0".
+/// "in0" op "in1" gives "result", element by element; see `ArithmeticKernel`. While the type of
+/// "in0" is open nothing is computed, while only that of "in1" is, the result is a copy of "in0".
 class SLUICE_API ArithmeticNode : public Node {
 public:
     void update(Attribute* attribute) override;

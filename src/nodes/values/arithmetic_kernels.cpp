@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Element loops over raw memory. They run in blocks of a fixed length, which the compiler turns into
-// vector instructions, and are built for two instruction sets.
+// Element loops over raw memory. They run in blocks of a fixed length, which the compiler turns
+// into vector instructions, and are built for two instruction sets.
 #include "nodes/values/arithmetic_kernels.h"
 
 #include <algorithm>
@@ -22,29 +22,37 @@ constexpr int64_t done = -1;
 struct Add {
     template <typename T>
     static T apply(T a, T b) {
-        if constexpr (std::is_integral_v<T>) return tidemark::wrappingAdd(a, b);
-        else return a + b;
+        if constexpr (std::is_integral_v<T>)
+            return tidemark::wrappingAdd(a, b);
+        else
+            return a + b;
     }
 };
 struct Sub {
     template <typename T>
     static T apply(T a, T b) {
-        if constexpr (std::is_integral_v<T>) return tidemark::wrappingSub(a, b);
-        else return a - b;
+        if constexpr (std::is_integral_v<T>)
+            return tidemark::wrappingSub(a, b);
+        else
+            return a - b;
     }
 };
 struct Mul {
     template <typename T>
     static T apply(T a, T b) {
-        if constexpr (std::is_integral_v<T>) return tidemark::wrappingMul(a, b);
-        else return a * b;
+        if constexpr (std::is_integral_v<T>)
+            return tidemark::wrappingMul(a, b);
+        else
+            return a * b;
     }
 };
 struct Div {
     template <typename T>
     static T apply(T a, T b) {
-        if constexpr (std::is_integral_v<T>) return tidemark::wrappingDiv(a, b);
-        else return a / b;
+        if constexpr (std::is_integral_v<T>)
+            return tidemark::wrappingDiv(a, b);
+        else
+            return a / b;
     }
 };
 
@@ -59,8 +67,10 @@ struct OnNumbers {
         } else {
             const float sum =
                 Operation::template apply<float>(static_cast<float>(a), static_cast<float>(b));
-            if constexpr (std::is_integral_v<A>) return tidemark::truncateTo<A>(sum);
-            else return sum;
+            if constexpr (std::is_integral_v<A>)
+                return tidemark::truncateTo<A>(sum);
+            else
+                return sum;
         }
     }
 };
@@ -271,8 +281,8 @@ int64_t kernel(const Numeric& a, const Numeric& b, Numeric& result) {
     }
     result.setSize(count);
     const NetworkManager* manager = result.networkManager();
-    const int64_t stopped = stretches(
-        0, equal, elementsBetweenPolls, manager, [&](std::size_t i, std::size_t length) {
+    const int64_t stopped =
+        stretches(0, equal, elementsBetweenPolls, manager, [&](std::size_t i, std::size_t length) {
             return Loop::run(first.data() + i, second.data() + i, out.data() + i, length);
         });
     if (stopped != done || equal == count) return stopped;
@@ -291,8 +301,10 @@ template <typename Operation, typename A, typename B>
 ArithmeticKernel onNumbers() {
     if constexpr (std::is_same_v<Operation, Div> && std::is_integral_v<A> &&
                   std::is_integral_v<B>) {
-        if constexpr (sizeof(A) == 4 && sizeof(B) == 4) return kernel<SkipZeroDivisors, A, B>;
-        else return kernel<StopAtZeroDivisors, A, B>;
+        if constexpr (sizeof(A) == 4 && sizeof(B) == 4)
+            return kernel<SkipZeroDivisors, A, B>;
+        else
+            return kernel<StopAtZeroDivisors, A, B>;
     } else {
         return kernel<ByElement<OnNumbers<Operation, A, B>>, A, B>;
     }
@@ -301,9 +313,12 @@ ArithmeticKernel onNumbers() {
 template <typename Operation, typename A>
 ArithmeticKernel forNumber(NumericType b) {
     switch (b) {
-    case integer: return onNumbers<Operation, A, int32_t>();
-    case integer64: return onNumbers<Operation, A, int64_t>();
-    default: return onNumbers<Operation, A, float>();
+    case integer:
+        return onNumbers<Operation, A, int32_t>();
+    case integer64:
+        return onNumbers<Operation, A, int64_t>();
+    default:
+        return onNumbers<Operation, A, float>();
     }
 }
 
@@ -311,24 +326,36 @@ ArithmeticKernel forNumber(NumericType b) {
 template <template <typename, typename> typename ByNumber, typename Operation, typename A>
 ArithmeticKernel forTuple(NumericType b) {
     switch (b) {
-    case integer: return kernel<ByElement<ByNumber<A, int32_t>>, A, int32_t>;
-    case integer64: return kernel<ByElement<ByNumber<A, int64_t>>, A, int64_t>;
-    case real: return kernel<ByElement<ByNumber<A, float>>, A, float>;
-    default: return kernel<ByComponent<Operation>, A, A>;
+    case integer:
+        return kernel<ByElement<ByNumber<A, int32_t>>, A, int32_t>;
+    case integer64:
+        return kernel<ByElement<ByNumber<A, int64_t>>, A, int64_t>;
+    case real:
+        return kernel<ByElement<ByNumber<A, float>>, A, float>;
+    default:
+        return kernel<ByComponent<Operation>, A, A>;
     }
 }
 
 template <typename Operation>
 ArithmeticKernel forSum(NumericType a, NumericType b) {
     switch (a) {
-    case none: return nullptr;
-    case integer: return forNumber<Operation, int32_t>(b);
-    case integer64: return forNumber<Operation, int64_t>(b);
-    case real: return forNumber<Operation, float>(b);
-    case vector3: return kernel<ByComponent<Operation>, Vector3<float>, Vector3<float>>;
-    case color4: return kernel<ByComponent<Operation>, Color4<float>, Color4<float>>;
-    case quaternion: return kernel<ByComponent<Operation>, Quaternion<float>, Quaternion<float>>;
-    case matrix4: return kernel<ByComponent<Operation>, Matrix4<float>, Matrix4<float>>;
+    case none:
+        return nullptr;
+    case integer:
+        return forNumber<Operation, int32_t>(b);
+    case integer64:
+        return forNumber<Operation, int64_t>(b);
+    case real:
+        return forNumber<Operation, float>(b);
+    case vector3:
+        return kernel<ByComponent<Operation>, Vector3<float>, Vector3<float>>;
+    case color4:
+        return kernel<ByComponent<Operation>, Color4<float>, Color4<float>>;
+    case quaternion:
+        return kernel<ByComponent<Operation>, Quaternion<float>, Quaternion<float>>;
+    case matrix4:
+        return kernel<ByComponent<Operation>, Matrix4<float>, Matrix4<float>>;
     }
     return nullptr;
 }
@@ -340,19 +367,25 @@ ArithmeticKernel forProduct(NumericType a, NumericType b) {
             return kernel<ByElement<TransformPoint>, Vector3<float>, Matrix4<float>>;
         }
         return forTuple<Scale, Mul, Vector3<float>>(b);
-    case color4: return forTuple<Scale, Mul, Color4<float>>(b);
+    case color4:
+        return forTuple<Scale, Mul, Color4<float>>(b);
     case quaternion:
         return kernel<ByElement<QuaternionProduct>, Quaternion<float>, Quaternion<float>>;
-    case matrix4: return kernel<ByElement<MatrixProduct>, Matrix4<float>, Matrix4<float>>;
-    default: return forSum<Mul>(a, b);
+    case matrix4:
+        return kernel<ByElement<MatrixProduct>, Matrix4<float>, Matrix4<float>>;
+    default:
+        return forSum<Mul>(a, b);
     }
 }
 
 ArithmeticKernel forQuotient(NumericType a, NumericType b) {
     switch (a) {
-    case vector3: return forTuple<ScaleByReciprocal, Div, Vector3<float>>(b);
-    case color4: return forTuple<ScaleByReciprocal, Div, Color4<float>>(b);
-    default: return forSum<Div>(a, b);
+    case vector3:
+        return forTuple<ScaleByReciprocal, Div, Vector3<float>>(b);
+    case color4:
+        return forTuple<ScaleByReciprocal, Div, Color4<float>>(b);
+    default:
+        return forSum<Div>(a, b);
     }
 }
 
@@ -415,10 +448,14 @@ ArithmeticKernel arithmeticKernel(Arithmetic operation, NumericType a, NumericTy
     const std::span<const NumericType> allowed = allowedSecondTypes(operation, a);
     if (std::find(allowed.begin(), allowed.end(), b) == allowed.end()) return nullptr;
     switch (operation) {
-    case Arithmetic::add: return forSum<Add>(a, b);
-    case Arithmetic::sub: return forSum<Sub>(a, b);
-    case Arithmetic::mul: return forProduct(a, b);
-    case Arithmetic::div: return forQuotient(a, b);
+    case Arithmetic::add:
+        return forSum<Add>(a, b);
+    case Arithmetic::sub:
+        return forSum<Sub>(a, b);
+    case Arithmetic::mul:
+        return forProduct(a, b);
+    case Arithmetic::div:
+        return forQuotient(a, b);
     }
     return nullptr;
 }

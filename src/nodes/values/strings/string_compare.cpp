@@ -57,8 +57,8 @@ public:
         ignoreCase_ = addInput<BitArrayAttribute>(
             "ignore case", "If true, uppercase and lowercase letters count as equal.");
         isEqual_ = addOutput<BitArrayAttribute>("is equal", "True if both strings are equal.");
-        isInside_ = addOutput<BitArrayAttribute>("is inside",
-                                                 "True if 'string1' contains 'string0'.");
+        isInside_ =
+            addOutput<BitArrayAttribute>("is inside", "True if 'string1' contains 'string0'.");
         position_ = addOutput<NumericAttribute>(
             "position", "The position of 'string0' inside 'string1'. If 'string0' is not contained "
                         "in 'string1' the returned value is -1");
@@ -73,9 +73,8 @@ public:
         if (attribute == position_) {
             findPositions();
         } else if (attribute == isInside_) {
-            compare(*isInside_, [](std::string_view a, std::string_view b) {
-                return positionOf(a, b) >= 0;
-            });
+            compare(*isInside_,
+                    [](std::string_view a, std::string_view b) { return positionOf(a, b) >= 0; });
         } else {
             compare(*isEqual_, [](std::string_view a, std::string_view b) { return a == b; });
         }

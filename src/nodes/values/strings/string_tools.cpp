@@ -9,7 +9,8 @@ namespace tidemark::sluice::graph {
 std::size_t findText(std::string_view text, std::string_view wanted, std::size_t from) {
     if (from > text.size()) return std::string_view::npos;
     if (wanted.empty()) return from;
-    const void* found = memmem(text.data() + from, text.size() - from, wanted.data(), wanted.size());
+    const void* found =
+        memmem(text.data() + from, text.size() - from, wanted.data(), wanted.size());
     if (!found) return std::string_view::npos;
     return static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
 }
