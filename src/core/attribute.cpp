@@ -35,6 +35,7 @@ Attribute::Attribute(NetworkManager* manager, const TM_String& name, Node* paren
     appendClass<"Attribute">();
     isAttributeObject_ = true;
     initializeName(uniqueName(name));
+    if (manager) ++manager->attributes_;
 }
 
 Attribute::~Attribute() {

@@ -151,6 +151,8 @@ private:
     void dropDeadEdges();
     void dropEdgesOf(Attribute* attribute);
     bool keepsDeadEdges() const { return cacheDisabled_ || staleAttributes_ > 0; }
+    // False: no attribute that is left can be clean.
+    bool mayHoldClean() const { return cleanings_ != cleaningsOfGone_; }
 
     template <typename Visit>
     void visitDownstream(Attribute* start, uint32_t mark, uint32_t epoch, Visit visit);
@@ -174,9 +176,11 @@ private:
     uint32_t mark_ = 0;
     uint32_t dirtyListeners_ = 0;
     uint32_t staleAttributes_ = 0;
-    uint32_t changedTypes_ = 0; // attributes whose declaration changed since their group settled
-    uint64_t removals_ = 0;     // objects that left so far
-    uint64_t cleanings_ = 0;    // attributes that became clean so far
+    uint32_t changedTypes_ = 0;    // attributes whose declaration changed since their group settled
+    uint64_t removals_ = 0;        // objects that left so far
+    uint64_t cleanings_ = 0;       // attributes that became clean so far
+    uint64_t cleaningsOfGone_ = 0; // the same when last no attribute was left
+    uint32_t attributes_ = 0;      // that are not torn down
     uint32_t searchedGroupLimit_ = 64;
     int32_t failedNodeId_ = 0;
     uint64_t keptChainBytes_ = 0;

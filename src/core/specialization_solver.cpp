@@ -304,7 +304,7 @@ bool SpecializationSolver::isHeard() const {
 // be seen by something being clean, the unchanged ones are just marked.
 void SpecializationSolver::applyConnection(Attribute* start) {
     const bool heard = isHeard();
-    if (!heard && manager_.cleanings_ == 0) return applyChanges();
+    if (!heard && !manager_.mayHoldClean()) return applyChanges();
     const std::vector<Entry> narrowed = std::move(entries_);
     gather(start, UINT32_MAX);
     for (Entry& entry : entries_) entry.list = entry.attribute->specializations_;

@@ -24,15 +24,17 @@ Pin* findByName(const Array<Pin*>& pins, const TM_String& name) {
 
 // Nodes with many pins find them by hash, which the generic node keeps.
 Pin* NodeBase::getInputPinPtrByName(const TM_String& name) const {
-    GraphNodePin* pin = findPin(name);
-    if (pin && pin->isInput()) return static_cast<Pin*>(pin);
-    return pin ? findByName(arrInputPin_, name) : nullptr;
+    GraphNodePin* const found = findPin(name);
+    auto* const pin = dynamic_cast<Pin*>(found);
+    if (pin && pin->isInput()) return pin;
+    return found ? findByName(arrInputPin_, name) : nullptr;
 }
 
 Pin* NodeBase::getOutputPinPtrByName(const TM_String& name) const {
-    GraphNodePin* pin = findPin(name);
-    if (pin && pin->isOutput()) return static_cast<Pin*>(pin);
-    return pin ? findByName(arrOutputPin_, name) : nullptr;
+    GraphNodePin* const found = findPin(name);
+    auto* const pin = dynamic_cast<Pin*>(found);
+    if (pin && pin->isOutput()) return pin;
+    return found ? findByName(arrOutputPin_, name) : nullptr;
 }
 
 Node::Node(const Node& other) : NodeBase(other), weftNode_(other.weftNode_) {}
@@ -61,12 +63,12 @@ void Node::adoptWeftNode(weft::Node* node) {
 
 void Node::destroyWeftNode() {
     if (!weftNode_) return;
+    for (Pin* pin : arrInputPin_) pin->forgetWeftAttribute();
+    for (Pin* pin : arrOutputPin_) pin->forgetWeftAttribute();
     weft::Node* const node = weftNode_;
     weftNode_ = nullptr;
     node->deleteIt();
     node->release();
-    for (Pin* pin : arrInputPin_) pin->forgetWeftAttribute();
-    for (Pin* pin : arrOutputPin_) pin->forgetWeftAttribute();
 }
 
 void Node::onAddingToScene() {
@@ -181,11 +183,12 @@ void Node::destroyPins(Array<Pin*>& pins) {
 void Node::destroyNodePins() {
     destroyPins(arrInputPin_);
     destroyPins(arrOutputPin_);
+    NodeBase::destroyNodePins(); // pins that were made without an attribute
 }
 
 bool Node::removeNodePin(GraphNodePin* pin) {
-    auto* const own = static_cast<Pin*>(pin);
-    if (!pin || !(arrInputPin_.remove(own) || arrOutputPin_.remove(own))) return true;
+    auto* const own = dynamic_cast<Pin*>(pin);
+    if (!own || !(arrInputPin_.remove(own) || arrOutputPin_.remove(own))) return true;
     GraphNodePin* const onCompound = isInterface() ? own->getParentGraphNodePinPtr() : nullptr;
     if (onCompound) onCompound->getParentGraphNodePtr()->removeNodePin(onCompound);
     weft::Attribute* const dynamic = own->isDynamic() ? own->getWeftAttribute() : nullptr;

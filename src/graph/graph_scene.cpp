@@ -32,13 +32,17 @@ ScenePrivate::~ScenePrivate() = default;
 SL_GraphScene::SL_GraphScene() : scenePrivate_(new ScenePrivate(this)) {
     graphKind_ = graphKind;
     allowsCompounds_ = true;
+    initializeRootNode();
+    registerAtSceneManager();
+}
+
+void SL_GraphScene::initializeRootNode() {
     auto* const root = new Node_Root(&scenePrivate_->rootNode);
     root->setGraphScene(this);
     root->setCompound(true);
     root->GraphNodeBase::setName(scenePrivate_->rootNode.name());
     root->setId(static_cast<unsigned>(scenePrivate_->rootNode.id()));
     setRootNode(root);
-    registerAtSceneManager();
 }
 
 SL_GraphScene::~SL_GraphScene() {
@@ -56,6 +60,7 @@ void SL_GraphScene::unregisterFromSceneManager() { SceneManager::instance().remo
 bool SL_GraphScene::addNodeToGraph(GraphNodeBase* graphNode) {
     auto* const node = dynamic_cast<NodeBase*>(graphNode);
     if (!node) return GraphScene::addNodeToGraph(graphNode);
+    if (node->getGraphScene() == this && getNodePtrById(node->getId()) == node) return true;
     node->setGraphScene(this);
     if (addNodeCallback_ && node->getNodeOwner()) {
         addNodeCallback_(this, node->getNodeOwner(), node);
@@ -123,9 +128,19 @@ Node* SL_GraphScene::nodeOf(const weft::Node* logicNode) const {
 
 // Connections.
 
+namespace {
+
+// Null for a pin that was made without one.
+weft::Attribute* attributeOf(GraphNodePin* pin) {
+    const auto* own = dynamic_cast<const Pin*>(pin);
+    return own ? own->getWeftAttribute() : nullptr;
+}
+
+} // namespace
+
 bool SL_GraphScene::weftConnect(GraphNodePin* source, GraphNodePin* target) {
-    weft::Attribute* const from = static_cast<Pin*>(source)->getWeftAttribute();
-    weft::Attribute* const to = static_cast<Pin*>(target)->getWeftAttribute();
+    weft::Attribute* const from = attributeOf(source);
+    weft::Attribute* const to = attributeOf(target);
     weft::NetworkManager& network = networkManager();
     const weft::Retained<weft::ErrorObject> error(new weft::ErrorObject(&network));
     network.connect(from, to, error.get());
@@ -143,8 +158,8 @@ GraphConnection* SL_GraphScene::connect(GraphNodePin* source, GraphNodePin* targ
 
 bool SL_GraphScene::removeConnection(GraphConnection* connection) {
     if (!isListed(connection)) return false;
-    auto* const target = static_cast<Pin*>(connection->getTargetPin());
-    if (target && target->getWeftAttribute()) target->getWeftAttribute()->disconnectSource();
+    weft::Attribute* const target = attributeOf(connection->getTargetPin());
+    if (target) target->disconnectSource();
     notifyConnectionRemoved(connection);
     destroyConnection(connection);
     return true;
@@ -192,10 +207,10 @@ void SL_GraphScene::clear() {
     setCacheDisabled(true, false);
     networkManager().setTearingDown(true);
     suffixes_.reset();
+    arrUpdateNodes_.reset(); // first, or every node that goes would be looked for in it
     GraphScene::clear();
     networkManager().setTearingDown(false);
     setCacheDisabled(false, false);
-    arrUpdateNodes_.reset();
     arrImportedNodes_.reset();
     arrImportedConnections_.reset();
     SceneManager::instance().setupCallbacks();
@@ -222,7 +237,13 @@ void SL_GraphScene::recomputeCaches() { networkManager().rebuildAllDirtyChains()
 
 void SL_GraphScene::removeAllReferencesToNodePointer(void* nodo) {
     for (const auto entry : networkManager().objects()) {
-        if (auto* value = dynamic_cast<weft::HostNodeValue*>(entry.value)) value->forget(nodo);
+        weft::Object* object = entry.value;
+        // An attribute may hold a value of another scene, which is in no table of this one.
+        if (object->isAttributeObject()) object = static_cast<weft::Attribute*>(object)->value();
+        if (!object || (object != entry.value && object->networkManager() == &networkManager())) {
+            continue;
+        }
+        if (auto* value = dynamic_cast<weft::HostNodeValue*>(object)) value->forget(nodo);
     }
 }
 
@@ -256,7 +277,7 @@ TM_String SL_GraphScene::translatePinName(const TM_String& fullPinName) const {
 namespace {
 
 Pin* findPin(const SL_GraphScene& scene, const TM_String& name) {
-    return static_cast<Pin*>(scene.getPinPtrByFullName(name));
+    return dynamic_cast<Pin*>(scene.getPinPtrByFullName(name));
 }
 
 } // namespace
@@ -315,6 +336,9 @@ void sortByNumber(Array<TM_String>& names, Array<T>& numbers) {
 void SL_GraphScene::computeTimeAndMemoryRank(Array<TM_String>& namesByTime, Array<float>& times,
                                              Array<TM_String>& namesBySize,
                                              Array<uint64_t>& sizes) const {
+    namesByTime.clear();
+    times.clear();
+    sizes.clear();
     std::vector<const weft::Node*> pending{&scenePrivate_->rootNode};
     while (!pending.empty()) {
         const weft::Node* node = pending.back();

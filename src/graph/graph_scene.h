@@ -162,7 +162,7 @@ public:
     static Color4<float> getColorForCategoryChecking(const TM_String& name, bool& found);
 
     /// Every logic node's name with its last update time, and with its size in bytes; each pair of
-    /// lists in rising order of the number.
+    /// lists in rising order of the number. What the lists held before goes.
     void computeTimeAndMemoryRank(Array<TM_String>& namesByTime, Array<float>& times,
                                   Array<TM_String>& namesBySize, Array<uint64_t>& sizes) const;
 
@@ -226,6 +226,7 @@ private:
     void beginRun();
     void noteEnd(RunOutcome outcome);
     GraphNodeBase* createNewNode(const char* type);
+    void initializeRootNode();
     void nodeRenamed(const Node* node, const TM_String& before);
     void nodeLeaving(const Node* node);
 

@@ -31,7 +31,8 @@ void SL_GraphScene::noteEnd(RunOutcome outcome) {
     }
 }
 
-// What ends a run. Anything that is no `std::exception` goes on to the caller.
+// What ends a run. Anything that is no `std::exception` goes on to the caller, and the network goes on
+// evaluating.
 template <typename Step>
 void SL_GraphScene::runGuarded(Step step) {
     auto& center = bridge::CCallbackCenter::Instance();
@@ -51,11 +52,15 @@ void SL_GraphScene::runGuarded(Step step) {
     } catch (const std::exception& exception) {
         noteEnd(RunOutcome::exception);
         center.Post(id::panelLine, exception.what());
+    } catch (...) {
+        noteEnd(RunOutcome::exception);
+        throw;
     }
 }
 
 void SL_GraphScene::run() {
     outcome_ = RunOutcome::finished;
+    interruptedNodeName_.clear();
     if (arrUpdateNodes_.empty()) return;
     Timer timer;
     const bool monitoring = networkManager().monitoring();
@@ -99,11 +104,11 @@ void SL_GraphScene::runSingle(Before before, Step step) {
 namespace {
 
 // Nodes that compute only what is wanted look at this flag.
-void wantWithUpstream(const weft::Attribute* attribute) {
+void wantWithUpstream(weft::Attribute* attribute) {
     Array<weft::Attribute*> upstream;
     attribute->networkManager()->collectUpstream(attribute, upstream);
     for (weft::Attribute* wanted : upstream) wanted->setToBeEvaluated(true);
-    const_cast<weft::Attribute*>(attribute)->setToBeEvaluated(true);
+    attribute->setToBeEvaluated(true);
 }
 
 } // namespace
@@ -115,9 +120,7 @@ void SL_GraphScene::runNode(NodeBase* node) {
             node->preUpdate();
             const weft::Node* const logic = node->getCoreNode();
             if (!logic) return;
-            for (const weft::Attribute* output : logic->refOutputAttributes()) {
-                wantWithUpstream(output);
-            }
+            for (weft::Attribute* output : logic->refOutputAttributes()) wantWithUpstream(output);
         },
         [node] { node->update(); });
 }

@@ -22,8 +22,14 @@ const Array<TM_String> noNames;
 Pin::Pin(GraphNodeBase* node, const unsigned& id, const PinFlags& flags)
     : GraphNodePin(node, id, flags) {}
 
-void Pin::setWeftAttribute(weft::Attribute* attribute) {
+void Pin::SeenAttribute::hold(weft::Attribute* attribute) {
+    if (attribute) attribute->retain();
+    if (attribute_) attribute_->release();
     attribute_ = attribute;
+}
+
+void Pin::setWeftAttribute(weft::Attribute* attribute) {
+    attribute_.hold(attribute);
     if (!attribute) return;
     storeName(attribute->name());
     setId(static_cast<unsigned>(attribute->id()));
@@ -35,8 +41,15 @@ void Pin::setName(const TM_String& name) {
 }
 
 void Pin::setParentGraphNodePinPtr(GraphNodePin* pin) {
+    GraphNodePin* const before = getParentGraphNodePinPtr();
+    if (before && before->getChildGraphNodePinPtr() == this) {
+        before->setChildGraphNodePinPtr(nullptr);
+    }
     GraphNodePin::setParentGraphNodePinPtr(pin);
-    if (pin) pin->setChildGraphNodePinPtr(this);
+    if (!pin) return;
+    GraphNodePin* const replaced = pin->getChildGraphNodePinPtr();
+    if (replaced && replaced != this) replaced->setParentGraphNodePinPtr(nullptr);
+    pin->setChildGraphNodePinPtr(this);
 }
 
 // State.
@@ -109,12 +122,12 @@ bool Pin::areAllSpecializationsArray() const {
 }
 
 uint32_t Pin::getCompatibleSluiceNodeClasses() const {
-    const weft::HostNodeValue* nodes = hostNodes();
+    const auto* nodes = dynamic_cast<const weft::HostNodeValue*>(value());
     return nodes ? nodes->classMask() : 0;
 }
 
 bool Pin::hasSaveFileFlag() const {
-    const auto* path = dynamic_cast<const weft::FilePathAttribute*>(attribute_);
+    const auto* path = dynamic_cast<const weft::FilePathAttribute*>(getWeftAttribute());
     return path && path->hasSaveFileFlag();
 }
 
@@ -185,7 +198,10 @@ bool Pin::allowsConnectionFrom(const GraphNodePin* source) const {
     if (!GraphNodePin::allowsConnectionFrom(source) || isConnected()) return false;
     const auto* from = dynamic_cast<const Pin*>(source);
     if (!from || !from->attribute_ || !attribute_) return false;
-    return attribute_->networkManager()->canConnect(from->attribute_, attribute_, nullptr);
+    weft::NetworkManager* const network = attribute_->networkManager();
+    // A connection between two scenes would outlive one of them.
+    if (from->attribute_->networkManager() != network) return false;
+    return network->canConnect(from->attribute_, attribute_, nullptr);
 }
 
 void Pin::update() {
@@ -199,8 +215,8 @@ void Pin::getUpstreamPins(ArrayOfPtr<Pin>& out) const {
     Array<weft::Attribute*> upstream;
     attribute_->networkManager()->collectUpstream(attribute_, upstream);
     for (const weft::Attribute* attribute : upstream) {
-        GraphNodePin* pin = scene->getPinPtrById(static_cast<unsigned>(attribute->id()));
-        if (pin) out.append(static_cast<Pin*>(pin));
+        GraphNodePin* found = scene->getPinPtrById(static_cast<unsigned>(attribute->id()));
+        if (auto* pin = dynamic_cast<Pin*>(found)) out.append(pin);
     }
 }
 

@@ -20,8 +20,8 @@ using tidemark::graph::GraphNodeBase;
 using tidemark::graph::GraphNodePin;
 using tidemark::graph::PinFlags;
 
-/// A pin shares its attribute's id and never owns it; when the attribute dies first, the pin goes on
-/// without one and answers as a pin without value. Where "the value" is spoken of it is what a
+/// A pin shares its attribute's id and does not own it; when the attribute is torn down first, the pin
+/// goes on without one and answers as a pin without value. Where "the value" is spoken of it is what a
 /// pass-through attribute forwards, and the attribute's own value otherwise.
 ///
 /// Typed setters on a pin of another type do nothing; typed getters give 0, false or an empty text.
@@ -35,9 +35,9 @@ public:
     bool isUpdating() const override;
     bool isDynamic() const override;
     bool isEditable() const override;
-    bool isPassThroughPin() const override { return isPassThrough(); }
     bool allowsConnectionFrom(const GraphNodePin* source) const override;
-    /// Links this interface pin and the compound's pin, both ways.
+    /// Links this interface pin and the compound's pin, both ways, in place of the pins that either
+    /// was linked with; null unlinks.
     void setParentGraphNodePinPtr(GraphNodePin* pin) override;
     /// Renames the attribute as well, which may settle on another name; the pin keeps `name`.
     void setName(const TM_String& name) override;
@@ -63,11 +63,11 @@ public:
     /// Some allowed specialization has that number.
     virtual bool hasType(const int& type) const;
 
-    /// Null once the attribute has gone.
+    /// Null once the attribute has been torn down.
     weft::Attribute* getWeftAttribute() const { return attribute_; }
     /// Takes name and id over.
     void setWeftAttribute(weft::Attribute* attribute);
-    void forgetWeftAttribute() { attribute_ = nullptr; }
+    void forgetWeftAttribute() { attribute_.hold(nullptr); }
 
     // State.
 
@@ -88,7 +88,7 @@ public:
     /// At least one current specialization, and none, or all, of them arrays by their names.
     bool areAllSpecializationsSingle() const;
     bool areAllSpecializationsArray() const;
-    /// Mask of the host classes that the pin's value takes; 0 for other pins.
+    /// Mask of the host classes that the pin's value takes; 0 for values of another kind.
     uint32_t getCompatibleSluiceNodeClasses() const;
     /// A file path that a node writes to.
     bool hasSaveFileFlag() const;
@@ -154,6 +154,26 @@ public:
     void setInternalConnectionsFromImport(const Array<TM_String>& names) { imported_ = names; }
 
 private:
+    // Keeps the attribute's memory, so that its end can be seen, without keeping it alive.
+    class SeenAttribute {
+    public:
+        SeenAttribute() = default;
+        SeenAttribute(const SeenAttribute& other) { hold(other.attribute_); }
+        SeenAttribute& operator=(const SeenAttribute& other) {
+            hold(other.attribute_);
+            return *this;
+        }
+        ~SeenAttribute() { hold(nullptr); }
+        void hold(weft::Attribute* attribute);
+        operator weft::Attribute*() const {
+            return attribute_ && !attribute_->isDeleted() ? attribute_ : nullptr;
+        }
+        weft::Attribute* operator->() const { return attribute_; }
+
+    private:
+        weft::Attribute* attribute_ = nullptr;
+    };
+
     void appendPinsOf(const weft::SmallList<weft::Attribute*>& attributes,
                       ArrayOfPtr<GraphNodePin>& out) const;
     Pin* pinOfSameNode(const weft::Attribute* attribute) const;
@@ -166,7 +186,7 @@ private:
     T getNumber() const;
     TM_String passThroughValueAsString(bool multiLine) const;
 
-    weft::Attribute* attribute_ = nullptr;
+    SeenAttribute attribute_;
     Array<TM_String> imported_;
 };
 

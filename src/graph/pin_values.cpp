@@ -207,7 +207,8 @@ TM_String Pin::passThroughValueAsString(bool multiLine) const {
     while (origin && origin->isPassThrough()) origin = origin->source();
     const GraphScene* scene = getParentGraphScenePtr();
     if (!origin || !scene) return TM_String();
-    const auto* pin = dynamic_cast<const Pin*>(scene->getPinPtrByFullName(origin->fullName()));
+    const auto id = static_cast<unsigned>(origin->id());
+    const auto* pin = dynamic_cast<const Pin*>(scene->getPinPtrById(id));
     return pin ? pin->getValueAsString(multiLine) : TM_String();
 }
 

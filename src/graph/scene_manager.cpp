@@ -59,55 +59,81 @@ void SceneManager::setupSettings() {
 
 // Scenes.
 
+namespace {
+
+using Lock = std::lock_guard<std::mutex>;
+
+} // namespace
+
 void SceneManager::addScene(SL_GraphScene* scene) {
+    if (!scene) return;
+    const Lock lock(scenesMutex_);
     scenes_[scene->getSceneId()] = scene;
-    layouts_.try_emplace(scene->getSceneId(), nullptr);
+    layouts_.try_emplace(scene->getSceneId(), &scene->refXmlImportedLayout());
 }
 
 void SceneManager::removeScene(SL_GraphScene* scene) {
+    if (!scene) return;
+    const Lock lock(scenesMutex_);
     scenes_.erase(scene->getSceneId());
     layouts_.erase(scene->getSceneId());
     readLayouts_.erase(scene->getSceneId());
 }
 
 bool SceneManager::hasScene(const SL_GraphScene* scene) const {
+    const Lock lock(scenesMutex_);
     return scene && scenes_.count(scene->getSceneId()) > 0;
 }
 
 void SceneManager::setLayout(const SL_GraphScene* scene, GraphLayout* layout) {
-    if (hasScene(scene)) layouts_[scene->getSceneId()] = layout;
+    if (!hasScene(scene)) return;
+    const Lock lock(scenesMutex_);
+    layouts_[scene->getSceneId()] = layout;
 }
 
 GraphLayout* SceneManager::getLayout(const SL_GraphScene* scene) const {
-    if (!scene) return nullptr;
-    const auto found = layouts_.find(scene->getSceneId());
+    const Lock lock(scenesMutex_);
+    const auto found = scene ? layouts_.find(scene->getSceneId()) : layouts_.end();
     return found == layouts_.end() ? nullptr : found->second;
 }
 
 void SceneManager::addReadLayout(const SL_GraphScene* scene, const GraphLayout& layout) {
-    if (scene) readLayouts_[scene->getSceneId()] = layout;
+    if (!scene) return;
+    const Lock lock(scenesMutex_);
+    readLayouts_[scene->getSceneId()] = layout;
 }
 
 GraphLayout SceneManager::getReadLayout(const SL_GraphScene* scene) const {
+    const Lock lock(scenesMutex_);
     const auto found = scene ? readLayouts_.find(scene->getSceneId()) : readLayouts_.end();
     return found == readLayouts_.end() ? GraphLayout() : found->second;
 }
 
 void SceneManager::applyReadLayouts() {
+    const Lock lock(scenesMutex_);
     for (const auto& [sceneId, layout] : layouts_) {
         const auto read = readLayouts_.find(sceneId);
         if (layout && read != readLayouts_.end()) *layout = read->second;
     }
 }
 
+// A copy, because what is called on a scene may make or end others.
+Array<SL_GraphScene*> SceneManager::scenes() const {
+    const Lock lock(scenesMutex_);
+    Array<SL_GraphScene*> list;
+    for (const auto& [sceneId, scene] : scenes_) list.append(scene);
+    return list;
+}
+
 void SceneManager::display() {
     if (!displayEnabled_) return;
-    for (const auto& [sceneId, scene] : scenes_) scene->updateNodes_notCleaning("Display");
+    for (SL_GraphScene* scene : scenes()) scene->updateNodes_notCleaning("Display");
 }
 
 // Node types.
 
 void SceneManager::registerNodeFactory(NodeFactory* factory) {
+    if (!factory) return;
     const TM_String& type = factory->getDescriptor().getTypeName();
     if (const NodeFactory* known = getNodeFactoryFromType(type)) {
         bridge::CCallbackCenter::Instance().Post(bridge::message::duplicateNodeType, type,
@@ -118,13 +144,13 @@ void SceneManager::registerNodeFactory(NodeFactory* factory) {
     owned_.emplace_back(factory);
     factories_.append(factory);
     insertFactory_inMapCategoryToFactories(factory);
-    byType_[type] = factory;
+    insertFactory_inMapTypeToFactory(factory);
 }
 
 void SceneManager::unregisterNodeFactory(NodeFactory* factory) {
     if (!factories_.remove(factory)) return;
     removeFactory_fromMapCategoryToFactories(factory);
-    byType_.erase(factory->getDescriptor().getTypeName());
+    removeFactory_fromMapTypeToFactory(factory);
     const auto owner = std::find_if(owned_.begin(), owned_.end(),
                                     [=](const auto& entry) { return entry.get() == factory; });
     owner->release();
@@ -139,18 +165,22 @@ void SceneManager::insertFactory_inMapCategoryToFactories(NodeFactory* factory) 
     }
 }
 
+// The descriptor may say something else by now than when the factory came: all entries are looked at.
 void SceneManager::removeFactory_fromMapCategoryToFactories(NodeFactory* factory) {
-    const auto remove = [factory](std::map<TM_String, Factories>& map, const TM_String& category) {
-        const auto found = map.find(category);
-        if (found == map.end()) return;
-        found->second.remove(factory);
-        if (found->second.empty()) map.erase(found);
-    };
-    const NodeDescriptor& descriptor = factory->getDescriptor();
-    remove(byCategory_, descriptor.getCategoryName());
-    for (const TM_String& category : descriptor.getAllowedCategories()) {
-        remove(byLongCategory_, category);
+    for (auto* map : {&byCategory_, &byLongCategory_}) {
+        for (auto entry = map->begin(); entry != map->end();) {
+            const bool isLast = entry->second.remove(factory) && entry->second.empty();
+            entry = isLast ? map->erase(entry) : std::next(entry);
+        }
     }
+}
+
+void SceneManager::insertFactory_inMapTypeToFactory(NodeFactory* factory) {
+    byType_[factory->getDescriptor().getTypeName()] = factory;
+}
+
+void SceneManager::removeFactory_fromMapTypeToFactory(NodeFactory* factory) {
+    std::erase_if(byType_, [factory](const auto& entry) { return entry.second == factory; });
 }
 
 NodeFactory* SceneManager::getNodeFactoryFromType(const TM_String& type) const {
@@ -210,7 +240,7 @@ SceneManager::IterationCallback SceneManager::iterationCompletedSlot() { return 
 // References to host objects.
 
 void SceneManager::removeAllReferencesToNodePointer(void* nodo) {
-    for (const auto& [sceneId, scene] : scenes_) scene->removeAllReferencesToNodePointer(nodo);
+    for (SL_GraphScene* scene : scenes()) scene->removeAllReferencesToNodePointer(nodo);
 }
 
 void RemoveNodeReferenceFromAllGraphs(void* nodo) {

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "graph/base/graph_layout.h"
@@ -31,13 +32,15 @@ public:
     static void (*node_renamedCallback_)(const TM_String& nodeName);
     static void (*attribute_cleanCallback_)(const TM_String& attributeName);
 
-    // Scenes, by their ids.
+    // Scenes, by their ids. These may be called from any thread: workers make scenes of their own.
 
+    /// Notes the scene's layout: the one it keeps itself, until an editor says otherwise.
     void addScene(SL_GraphScene* scene);
     void removeScene(SL_GraphScene* scene);
     bool hasScene(const SL_GraphScene* scene) const;
-    /// Where an editor keeps the scene's layout; null for none.
+    /// Where an editor keeps the scene's layout; null for nowhere.
     void setLayout(const SL_GraphScene* scene, GraphLayout* layout);
+    /// Null for a scene that is not known.
     GraphLayout* getLayout(const SL_GraphScene* scene) const;
     void addReadLayout(const SL_GraphScene* scene, const GraphLayout& layout);
     /// A copy, or an empty layout.
@@ -75,7 +78,7 @@ public:
     void removeAllReferencesToNodePointer(void* nodo);
     template <typename Attr>
     void removeAllReferencesToPointers(const Array<void*>& pointers) {
-        for (const auto& [sceneId, scene] : scenes_) {
+        for (SL_GraphScene* scene : scenes()) {
             scene->template removeAllReferencesToPointers<Attr>(pointers);
         }
     }
@@ -104,13 +107,17 @@ private:
     void initializeCategoryColors();
     void insertFactory_inMapCategoryToFactories(NodeFactory* factory);
     void removeFactory_fromMapCategoryToFactories(NodeFactory* factory);
+    void insertFactory_inMapTypeToFactory(NodeFactory* factory);
+    void removeFactory_fromMapTypeToFactory(NodeFactory* factory);
+    Array<SL_GraphScene*> scenes() const;
 
     std::unique_ptr<GraphSettings> settings_;
+    mutable std::mutex scenesMutex_; // of the three maps by scene id
     std::map<unsigned, SL_GraphScene*> scenes_;
-    Factories factories_;
-    std::vector<std::unique_ptr<NodeFactory>> owned_;
     std::map<unsigned, GraphLayout> readLayouts_;
     std::map<unsigned, GraphLayout*> layouts_;
+    Factories factories_;
+    std::vector<std::unique_ptr<NodeFactory>> owned_;
     std::map<TM_String, Factories> byCategory_;
     std::map<TM_String, Factories> byLongCategory_;
     std::map<TM_String, NodeFactory*> byType_;

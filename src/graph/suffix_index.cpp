@@ -19,30 +19,40 @@ SuffixIndex::SuffixIndex(const Nodes& nodes) {
     for (const auto entry : nodes) ++countByLowerName_[text::toLower(entry.value->getName())];
 }
 
-void SuffixIndex::insert(const TM_String& name) {
-    ++countByLowerName_[text::toLower(name)];
-    if (nextByBase_.empty()) return;
+// Calls `visit(entry)` for each base that `name` begins with; true as an answer drops the entry. Few
+// bases are tried one by one, of many only those that are beginnings of the name.
+template <typename Visit>
+void SuffixIndex::eachKnownBaseOf(const TM_String& name, Visit visit) {
+    if (nextByBase_.size() <= name.size()) {
+        for (auto entry = nextByBase_.begin(); entry != nextByBase_.end();) {
+            const bool isBase = name.compare(0, entry->first.size(), entry->first) == 0;
+            entry = isBase && visit(*entry) ? nextByBase_.erase(entry) : std::next(entry);
+        }
+        return;
+    }
     TM_String base;
     for (std::size_t length = 0; length <= name.size(); ++length) {
         base.assign(name, 0, length);
         const auto known = nextByBase_.find(base);
-        if (known == nextByBase_.end()) continue;
-        known->second = std::max(known->second, suffixNumber(name, length) + 1);
+        if (known != nextByBase_.end() && visit(*known)) nextByBase_.erase(known);
     }
+}
+
+void SuffixIndex::insert(const TM_String& name) {
+    ++countByLowerName_[text::toLower(name)];
+    eachKnownBaseOf(name, [&name](auto& entry) {
+        entry.second = std::max(entry.second, suffixNumber(name, entry.first.size()) + 1);
+        return false;
+    });
 }
 
 void SuffixIndex::erase(const TM_String& name) {
     const auto found = countByLowerName_.find(text::toLower(name));
     if (found != countByLowerName_.end() && --found->second == 0) countByLowerName_.erase(found);
-    if (nextByBase_.empty()) return;
-    TM_String base;
-    for (std::size_t length = 0; length <= name.size(); ++length) {
-        base.assign(name, 0, length);
-        const auto known = nextByBase_.find(base);
-        if (known == nextByBase_.end()) continue;
-        // The highest may be gone: the next question looks at all names again.
-        if (known->second == suffixNumber(name, length) + 1) nextByBase_.erase(known);
-    }
+    // The highest may be gone: the next question looks at all names again.
+    eachKnownBaseOf(name, [&name](const auto& entry) {
+        return entry.second == suffixNumber(name, entry.first.size()) + 1;
+    });
 }
 
 bool SuffixIndex::has(const TM_String& name) const {

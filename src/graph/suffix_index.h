@@ -13,7 +13,7 @@
 namespace tidemark::sluice::graph {
 
 /// Knows the names of all nodes of a scene as long as it is told of every change.
-class SuffixIndex {
+class SLUICE_API SuffixIndex {
 public:
     using Nodes = IdTable<tidemark::graph::GraphNodeBase>;
 
@@ -28,6 +28,9 @@ public:
     int64_t nextNumber(const TM_String& base, const Nodes& nodes);
 
 private:
+    template <typename Visit>
+    void eachKnownBaseOf(const TM_String& name, Visit visit);
+
     std::unordered_map<TM_String, uint32_t> countByLowerName_;
     std::unordered_map<TM_String, int64_t> nextByBase_; // of bases that were asked for
 };

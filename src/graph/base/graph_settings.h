@@ -17,10 +17,10 @@ struct GraphSettings {
     Tuple2<float, float> outputPinSize{13.0f, 15.0f};
     float horizontalMargin = 5.0f;
     float verticalMargin = 5.0f;
-    bool bezierConnections = true;
+    bool antialiasing = true;
     bool horizontalInputs = false;
     bool horizontalOutputs = false;
-    bool invertZoom = false; ///< taken from the host's preferences
+    bool bezierConnections = false; ///< taken from the host's preferences
 };
 
 } // namespace tidemark::graph

@@ -65,12 +65,12 @@ struct OnNumbers {
             using Wide = std::conditional_t<sizeof(B) >= sizeof(A), B, A>;
             return static_cast<A>(Operation::template apply<Wide>(a, b));
         } else {
-            const float sum =
+            const float outcome =
                 Operation::template apply<float>(static_cast<float>(a), static_cast<float>(b));
             if constexpr (std::is_integral_v<A>)
-                return tidemark::truncateTo<A>(sum);
+                return tidemark::truncateTo<A>(outcome);
             else
-                return sum;
+                return outcome;
         }
     }
 };

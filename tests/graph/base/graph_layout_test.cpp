@@ -265,7 +265,8 @@ TEST(GraphSettings, StartsWithTheEditorsValues) {
     EXPECT_EQ(settings.outputPinSize, (Tuple2<float, float>{13.0f, 15.0f}));
     EXPECT_EQ(settings.horizontalMargin, 5.0f);
     EXPECT_EQ(settings.verticalMargin, 5.0f);
-    EXPECT_TRUE(settings.bezierConnections);
+    EXPECT_TRUE(settings.antialiasing);
     EXPECT_FALSE(settings.horizontalInputs);
     EXPECT_FALSE(settings.horizontalOutputs);
+    EXPECT_FALSE(settings.bezierConnections);
 }

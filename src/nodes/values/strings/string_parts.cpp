@@ -12,7 +12,6 @@ namespace tidemark::sluice::graph {
 
 using weft::Attribute;
 using weft::NetworkManager;
-using weft::Numeric;
 using weft::NumericAttribute;
 using weft::StringAttribute;
 using weft::StringValue;
