@@ -379,7 +379,10 @@ public:
         if (parent_) parent_->isUpdating_ = true;
     }
     ~UpdateScope() {
-        if (!isDone_) node_.networkManager()->noteFailure(&node_);
+        if (!isDone_) {
+            node_.networkManager()->noteFailure(&node_);
+            node_.nodeTimer_.stop(); // or it would count until the next update
+        }
         node_.isUpdating_ = wasUpdating_;
         if (parent_) parent_->isUpdating_ = wasParentUpdating_;
     }
