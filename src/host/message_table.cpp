@@ -28,7 +28,7 @@ constexpr Entry table[] = {
      "Connection to a pin that does not exist, \"%1\": skipped{ (did you mean \"%2\"?)}"},
     {message::unknownPin, "No pin \"%1\": skipped{ (did you mean \"%2\"?)}"},
     {message::runException, "The run was ended: %1"},
-    {message::xmlError, "{%1: }not readable as XML{, line %3}: %2"},
+    {message::xmlError, "{%1: }%2{ (line %3)}"},
     {message::unknownPinType, "Pin \"%1\": values of type \"%2\" can not be read"},
     {message::badLayoutValueOf, "Layout of \"%1\": bad value of \"%2\""},
     {message::badLayoutValue, "Layout: bad value of \"%1\""},
@@ -75,7 +75,10 @@ TM_String messageText(int id, const Array<TM_String>& arguments) {
     TM_String out;
     for (const Entry& entry : table) {
         if (entry.id != id) continue;
-        fill(entry.text, arguments, out);
+        Array<TM_String> known(arguments);
+        // A line of 0 stands for none.
+        if (id == message::xmlError && known.size() > 2 && known[2] == "0") known[2].clear();
+        fill(entry.text, known, out);
         return out;
     }
     out = "Message " + std::to_string(id);

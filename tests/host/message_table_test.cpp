@@ -59,9 +59,10 @@ TEST(MessageTable, ReadingReportsNameWhatTheySpeakOf) {
 }
 
 TEST(MessageTable, XmlErrorTellsFileLineAndMessage) {
-    EXPECT_EQ(messageText(2263, {"g.xml", "expected >", "12"}),
-              "g.xml: not readable as XML, line 12: expected >");
-    EXPECT_EQ(messageText(2263, {"", "expected >", ""}), "not readable as XML: expected >");
+    EXPECT_EQ(messageText(2263, {"g.xml", "expected >", "12"}), "g.xml: expected > (line 12)");
+    EXPECT_EQ(messageText(2263, {"", "expected >", ""}), "expected >");
+    EXPECT_EQ(messageText(2263, {"g.xml", "a folder, not a file", "0"}),
+              "g.xml: a folder, not a file");
 }
 
 TEST(MessageTable, RunMessagesCarryTheText) {

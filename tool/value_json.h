@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+// Values of pins as JSON: a list with one entry per element, and back.
+//
+//     Integer, Integer64, Real   numbers            Bit                          booleans
+//     Vector3                    [x, y, z]          String, FilePath, Folder     strings
+//     Color4                     [r, g, b, a]       list pins                    the label
+//     Quaternion                 [x, y, z, w]       host objects                 the name or null
+//     Matrix4                    16 numbers
+#pragma once
+
+#include <string>
+
+#include "tool/json.h"
+
+namespace tidemark::sluice::graph {
+class Pin;
+}
+
+namespace tidemark::tool {
+
+/// What the pin holds: always a list, empty without a value or a type. Floats are the shortest
+/// numbers that read back as the same float; infinities and not-a-number are "inf", "-inf", "nan".
+Json valueJson(const sluice::graph::Pin& pin);
+
+/// {"pin", "type", "size", "value"}; `name` is the full name to show.
+Json pinJson(const sluice::graph::Pin& pin, const std::string& name);
+
+/// Stores `value` in the pin as a user gave it: a list sets an array, anything else one element.
+/// `type` is the specialization to choose first, or empty; a pin that may still be of several types
+/// then takes the first that can hold the value. Throws `UsageError`, which names the pin, when the
+/// pin holds no such values.
+void setPinValue(sluice::graph::Pin& pin, const std::string& type, const Json& value);
+
+/// `text` as JSON when it is JSON, else as a JSON string.
+Json jsonOrText(const std::string& text);
+
+} // namespace tidemark::tool
