@@ -9,6 +9,7 @@
 #include "core/network_manager.h"
 #include "core/node.h"
 #include "core/specialization_solver.h"
+#include "core/update_scope.h"
 #include "platform/stack_segment.h"
 
 namespace weft {
@@ -111,25 +112,85 @@ void Attribute::listenToDirtied() {
 
 // The pull.
 
+// The pull has two forms: with monitoring off it neither reads the clock nor tells anybody.
+
+namespace {
+
+class CleaningFlag {
+public:
+    explicit CleaningFlag(bool& flag) : flag_(flag) { flag_ = true; }
+    ~CleaningFlag() { flag_ = false; }
+    CleaningFlag(const CleaningFlag&) = delete;
+    CleaningFlag& operator=(const CleaningFlag&) = delete;
+
+private:
+    bool& flag_;
+};
+
+[[gnu::cold, gnu::noinline]] void endIfInterrupted(NetworkManager& manager, const Node* node) {
+    if (manager.evaluating() && node) manager.noteFailure(node);
+    manager.pollInterrupt();
+}
+
+} // namespace
+
 void Attribute::pullDirty() {
-    clean();
-    if (!networkManager()->dirtyHold_) checkElementCount();
+    NetworkManager& manager = *networkManager();
+    if (manager.dirtyHold_) return;
+    if (manager.monitoring_) {
+        cleanTimed(manager);
+    } else {
+        cleanPlain(manager);
+    }
+    if (elementCountRule_ == 1) checkElementCount();
 }
 
 void Attribute::clean() {
     NetworkManager& manager = *networkManager();
     if (manager.dirtyHold_ || isClean_) return;
+    if (manager.monitoring_) {
+        cleanTimed(manager);
+    } else {
+        cleanPlain(manager);
+    }
+}
+
+void Attribute::computeNow() {
+    if (isClean_) return;
+    NetworkManager& manager = *networkManager();
+    if (manager.monitoring_) {
+        computeTimed(manager, Timer::now());
+    } else {
+        computePlain(manager);
+    }
+}
+
+void Attribute::cleanPlain(NetworkManager& manager) {
+    ++manager.cleanings_;
+    if (source_ && !source_->isClean_) source_->computePlain(manager);
+    isClean_ = true;
+}
+
+void Attribute::computePlain(NetworkManager& manager) {
+    if (tidemark::platform::stackIsLow()) [[unlikely]] {
+        return tidemark::platform::runOnFreshStack([&] { computePlain(manager); });
+    }
+    Node* const node = parent();
+    if (manager.isInterrupted()) [[unlikely]] endIfInterrupted(manager, node);
+    ++manager.cleanings_;
+    if (node && node->updateEnabled_) {
+        const CleaningFlag cleaning(isCleaning_);
+        Node::UpdateScope scope(*node);
+        node->update(this);
+        scope.done();
+    }
+    isClean_ = true;
+}
+
+// The hold keeps what happens between its two ends from starting a walk.
+void Attribute::cleanTimed(NetworkManager& manager) {
     manager.dirtyHold_ = true;
     ++manager.cleanings_;
-    if (!manager.monitoring_) {
-        if (source_) {
-            manager.dirtyHold_ = false;
-            source_->computeFrom(0);
-        }
-        isClean_ = true;
-        manager.dirtyHold_ = false;
-        return;
-    }
     Node* const reader = parent();
     // The reader does not pay for what it waits for.
     const bool pauses = reader && reader->nodeTimer_.isRunning();
@@ -142,7 +203,9 @@ void Attribute::clean() {
     if (isInput_ && !source_) isClean_ = true;
     if (source_) {
         manager.dirtyHold_ = false;
-        time = source_->computeFrom(time);
+        if (!source_->isClean_) {
+            time = source_->computeTimed(manager, pauses ? time : Timer::now());
+        }
     }
     isClean_ = true;
     if (pauses) reader->nodeTimer_.resumeAt(time);
@@ -150,40 +213,23 @@ void Attribute::clean() {
     manager.fireClean(this);
 }
 
-void Attribute::computeNow() { computeFrom(0); }
-
-// `time` is the clock as the caller has just read it, or 0; the answer is the clock at the end, so
-// that a chain of pulls reads it twice per node.
-Timer::Ticks Attribute::computeFrom(Timer::Ticks time) {
-    if (isClean_) return time;
-    if (!tidemark::platform::stackIsLow()) return compute(time);
-    tidemark::platform::runOnFreshStack([&] { time = compute(time); });
-    return time;
-}
-
-Timer::Ticks Attribute::compute(Timer::Ticks time) {
-    struct CleaningFlag {
-        bool& flag;
-        ~CleaningFlag() { flag = false; }
-    };
-    NetworkManager& manager = *networkManager();
-    if (manager.isInterrupted() && manager.evaluating_) {
-        if (parent()) manager.noteFailure(parent());
-        manager.pollInterrupt();
+// `time` is the clock as the caller has just read it; the answer is the clock at the end, so that a
+// chain of pulls reads it twice per node.
+Timer::Ticks Attribute::computeTimed(NetworkManager& manager, Timer::Ticks time) {
+    if (tidemark::platform::stackIsLow()) [[unlikely]] {
+        tidemark::platform::runOnFreshStack([&] { time = computeTimed(manager, time); });
+        return time;
     }
-    const CleaningFlag cleaning{isCleaning_ = true};
-    ++manager.cleanings_;
-    const bool monitoring = manager.monitoring_;
-    if (monitoring && time == 0) time = Timer::now();
-    const Timer::Ticks begin = time;
     Node* const node = parent();
+    if (manager.isInterrupted()) [[unlikely]] endIfInterrupted(manager, node);
+    ++manager.cleanings_;
+    const CleaningFlag cleaning(isCleaning_);
+    const Timer::Ticks begin = time;
     if (node && node->updateEnabled_) time = node->updateTimed(this, time);
     isClean_ = true;
-    if (monitoring) {
-        lastCleanTicks_ = time - begin;
-        accumulatedTicks_ += lastCleanTicks_;
-        manager.fireClean(this);
-    }
+    lastCleanTicks_ = time - begin;
+    accumulatedTicks_ += lastCleanTicks_;
+    manager.fireClean(this);
     return time;
 }
 

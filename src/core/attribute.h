@@ -221,8 +221,10 @@ private:
     };
 
     void pullDirty();
-    Timer::Ticks computeFrom(Timer::Ticks time);
-    Timer::Ticks compute(Timer::Ticks time);
+    void cleanPlain(NetworkManager& manager);
+    void cleanTimed(NetworkManager& manager);
+    void computePlain(NetworkManager& manager);
+    Timer::Ticks computeTimed(NetworkManager& manager, Timer::Ticks time);
     void tearDown();
     void leaveConnections();
     void leaveRelations();

@@ -9,6 +9,7 @@
 
 #include "bridge/host.h"
 #include "core/callbacks.h"
+#include "core/update_scope.h"
 
 namespace weft {
 
@@ -368,45 +369,19 @@ void Node::setAttributeAllowedSpecializations(Attribute* attribute,
 
 // Evaluation.
 
-// While a node runs, so does its parent. A scope that is left by an exception tells the network
-// which node it was; the innermost scope is left first.
-class Node::UpdateScope {
-public:
-    explicit UpdateScope(Node& node)
-        : node_(node), parent_(node.parent()), wasUpdating_(node.isUpdating_),
-          wasParentUpdating_(parent_ && parent_->isUpdating_) {
-        node_.isUpdating_ = true;
-        if (parent_) parent_->isUpdating_ = true;
+void Node::doUpdate(Attribute* attribute) {
+    if (networkManager()->monitoring_) {
+        updateTimed(attribute, Timer::now());
+        return;
     }
-    ~UpdateScope() {
-        if (!isDone_) {
-            node_.networkManager()->noteFailure(&node_);
-            node_.nodeTimer_.stop(); // or it would count until the next update
-        }
-        node_.isUpdating_ = wasUpdating_;
-        if (parent_) parent_->isUpdating_ = wasParentUpdating_;
-    }
-    void done() { isDone_ = true; }
+    UpdateScope scope(*this);
+    update(attribute);
+    scope.done();
+}
 
-private:
-    Node& node_;
-    Node* const parent_;
-    const bool wasUpdating_;
-    const bool wasParentUpdating_;
-    bool isDone_ = false;
-};
-
-void Node::doUpdate(Attribute* attribute) { updateTimed(attribute, 0); }
-
-// `time` as in `Attribute::computeFrom`.
+// `time` as in `Attribute::computeTimed`.
 Timer::Ticks Node::updateTimed(Attribute* attribute, Timer::Ticks time) {
     UpdateScope scope(*this);
-    if (!networkManager()->monitoring_) {
-        update(attribute);
-        scope.done();
-        return time;
-    }
-    if (time == 0) time = Timer::now();
     if (timerNeedsStart_) {
         nodeTimer_.startAt(time);
         timerNeedsStart_ = false;
