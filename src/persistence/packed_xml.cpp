@@ -242,6 +242,7 @@ private:
         const char* nameEnd = name;
         while (isNameCharacter(*nameEnd)) ++nameEnd;
         if (open_.empty()) refuse(in_, "closing tag without an element");
+        if (!*nameEnd) refuse(nameEnd, "unexpected end of data");
         const Open element = open_.back();
         const std::string_view given(name, static_cast<std::size_t>(nameEnd - name));
         if (given != nameOf(element)) {

@@ -94,7 +94,7 @@ TEST_F(BadInput, ADocumentThatBreaksOffLateMakesNothing) {
     std::string nodes;
     for (int i = 0; i < 3000; ++i) nodes += node("Add", "A" + std::to_string(i) + "x");
     const std::string whole = document(nodes);
-    EXPECT_EQ(fromText(whole.substr(0, whole.size() - 3)), "expected >|1");
+    EXPECT_EQ(fromText(whole.substr(0, whole.size() - 3)), "unexpected end of data|1");
 }
 
 TEST(DeepInput, NodesNestedAsDeepAsAllowedAreRead) {

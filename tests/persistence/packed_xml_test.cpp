@@ -55,6 +55,7 @@ TEST(PackedXml, TellsWhereADocumentBreaksOff) {
     EXPECT_EQ(packed("\n <!-- -->\n"), "line 3: no element: the document is empty");
     EXPECT_EQ(packed("<a>\n<b>\n"), "line 3: unexpected end of data");
     EXPECT_EQ(packed("<a>\n<!-- \n"), "line 3: unexpected end of data");
+    EXPECT_EQ(packed("<scene>\n</sce"), "line 2: unexpected end of data");
     EXPECT_EQ(packed("<a>\n<![CDATA[ \n"), "line 3: unexpected end of data");
     EXPECT_EQ(packed("<?xml\n"), "line 2: unexpected end of data");
     EXPECT_EQ(packed("<!DOCTYPE a [\n>"), "line 2: unexpected end of data");
@@ -75,7 +76,7 @@ TEST(PackedXml, TellsTheLineOfABadTag) {
 
 TEST(PackedXml, CountsLinesInsideTextsAndDroppedPieces) {
     EXPECT_EQ(packed("<a x='\n'><!--\n\n--><b>\n1\n</b>\n\n</c>"),
-              "line 9: closing tag \"c\" where \"a\" is open");
+              "line 8: closing tag \"c\" where \"a\" is open");
 }
 
 TEST(PackedXml, RefusesTextOutsideOfTheElement) {

@@ -11,6 +11,7 @@
 #include "persistence/files.h"
 #include "persistence/graph_parsing_helper.h"
 #include "persistence/tree_access.h"
+#include "support/net.h"
 #include "support/recording_host.h"
 #include "support/scene_builder.h"
 
@@ -419,13 +420,13 @@ TEST(SceneReading, ARefusedConnectionIsAnErrorOfTheScene) {
     SceneBuilder build;
     ASSERT_TRUE(build.scene.read_XML_fromString(
         document(node("Integer", "S") + node("Add", "A") + node("Add", "B") + node("String", "T"),
-                 "S.integer>A.in0 S.integer>A.in0 A.result>B.in0 B.result>A.in1 T.string>B.in1 "
+                 "S.integer>A.in0 S.integer>A.in0 A.result>B.in0 B.result>A.in1 T.out>B.in1 "
                  "A.in0>B.in1")));
     EXPECT_EQ(build.connections(), (Names{"S.integer>A.in0", "A.result>B.in0"}));
     EXPECT_EQ(SceneBuilder::textsOf(build.scene.getMessages()),
               (Names{"2 Unable to connect 'root.S.integer' to 'root.A.in0'",
                      "2 Unable to connect 'root.B.result' to 'root.A.in1'",
-                     "2 Unable to connect 'root.T.string' to 'root.B.in1'",
+                     "2 Unable to connect 'root.T.out' to 'root.B.in1'",
                      "2 Unable to connect 'root.A.in0' to 'root.B.in1'"}));
     EXPECT_EQ(build.scene.getArrImportedConnections().size(), 2u);
 }
@@ -475,8 +476,7 @@ TEST(SceneReading, AppliesInternalConnections) {
         EXPECT_EQ(build.messages("Q"), Names());
         EXPECT_EQ(ends("R.in"), "");
         EXPECT_EQ(build.seen<Vector3<float>>("R.in"), Vector3<float>(0, 0, 0));
-        ASSERT_EQ(host.posts.size(), 1u);
-        EXPECT_EQ(host.posts[0].substr(0, 11), "2261|P.none");
+        EXPECT_EQ(host.posts, Posts{"2261|P.none"});
     }
 }
 
@@ -635,7 +635,7 @@ std::string largeDocument(int depth, int width) {
 
 TEST(SceneReading, OfALargeFileInPiecesGivesTheSameAsAsATree) {
     const std::string text = largeDocument(3, 800);
-    ASSERT_GT(text.size(), 1000000u);
+    ASSERT_GT(text.size(), 700000u);
     SL_GraphScene inPieces;
     RecordingHost host;
     ASSERT_TRUE(inPieces.read_XML_fromString(text));
