@@ -57,6 +57,12 @@ void SceneManager::setupSettings() {
     settings_->bezierConnections = bridge::host().prefersCurvedConnections();
 }
 
+void SceneManager::takeOverHost() {
+    settings_->bezierConnections = bridge::host().prefersCurvedConnections();
+    initializeHostClassColors();
+    deriveCategoryColors();
+}
+
 // Scenes.
 
 namespace {

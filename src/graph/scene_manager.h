@@ -87,6 +87,11 @@ public:
 
     GraphSettings* getSettings() const { return settings_.get(); }
     void setSettings(const GraphSettings& settings) { *settings_ = settings; }
+    /// Back to what an editor starts with, the host's preference included.
+    void setupSettings();
+    /// For a host that is installed after the library has been loaded: takes its preference and the
+    /// colours of its classes over.
+    void takeOverHost();
     /// Fills the logic layer's callback slots.
     void setupCallbacks();
     void disconnectCallbacks();
@@ -100,11 +105,12 @@ public:
 private:
     SceneManager();
 
-    void setupSettings();
     void setupLegacyDictionary();
     void registerNodeFactories();
     void initializePinTypeToColors();
+    void initializeHostClassColors();
     void initializeCategoryColors();
+    void deriveCategoryColors();
     void insertFactory_inMapCategoryToFactories(NodeFactory* factory);
     void removeFactory_fromMapCategoryToFactories(NodeFactory* factory);
     void insertFactory_inMapTypeToFactory(NodeFactory* factory);

@@ -62,7 +62,7 @@ constexpr float pinValue = 1.0f;
 constexpr float nodeSaturation = 0.35f;
 constexpr float nodeValue = 0.88f;
 
-// Bits of host classes: one that graphs never carry, one that the type table speaks for itself.
+// The class of host objects that graphs never carry.
 constexpr uint32_t excludedClassBit = 512;
 
 const Color4<float> noCategoryColor(1.0f, 0.0f, 0.0f, 1.0f);
@@ -92,6 +92,10 @@ void SceneManager::initializePinTypeToColors() {
         pinTypeColors_.set(entry.type,
                            Color4<float>(entry.red, entry.green, entry.blue, 1.0f));
     }
+    initializeHostClassColors();
+}
+
+void SceneManager::initializeHostClassColors() {
     for (const bridge::HostClass& hostClass : bridge::host().compatibleClasses()) {
         if (hostClass.bit == excludedClassBit) continue;
         pinTypeColors_.set(weft::typeNumber(hostClass.specialization),
@@ -101,13 +105,17 @@ void SceneManager::initializePinTypeToColors() {
 
 void SceneManager::initializeCategoryColors() {
     if (!categoryColors_.empty()) return;
-    for (const CategoryOfType& entry : categoriesOfTypes) {
-        categoryColors_.set(entry.category, recolored(getColorForPinType(entry.type),
-                                                      nodeSaturation, nodeValue));
-    }
+    deriveCategoryColors();
     for (const CategoryColor& entry : categoryColors) {
         categoryColors_.set(entry.category,
                             Color4<float>(entry.red, entry.green, entry.blue, 1.0f));
+    }
+}
+
+void SceneManager::deriveCategoryColors() {
+    for (const CategoryOfType& entry : categoriesOfTypes) {
+        categoryColors_.set(entry.category, recolored(getColorForPinType(entry.type),
+                                                      nodeSaturation, nodeValue));
     }
 }
 
