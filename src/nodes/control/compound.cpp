@@ -47,7 +47,7 @@ bool Compound::hasIterator(Node*) {
 
 void Compound::collectIteratorAttributes(Attribute* attribute, Array<Attribute*>& result) {
     // Most compounds hold no iterator, and then no closure needs to be looked through.
-    if (iterators_ == 0) return;
+    if (iterators_.empty()) return;
     for (Attribute* output : iteratorAttributesOf(attribute)) result.append(output);
 }
 
@@ -80,18 +80,19 @@ void Compound::update(Attribute* attribute) {
     found[0]->parent()->iterate(attribute);
 }
 
-// A child that comes or goes moves no edge by itself, so the lookups are dropped here.
+// A child that comes or goes moves no edge by itself, so the lookups are dropped here. A child that
+// moves to another parent may be announced as removed twice.
 void Compound::childAdded(NestedObject& child) {
     Node::childAdded(child);
     if (child.isAttributeObject() || !isIterator(static_cast<Node&>(child))) return;
-    ++iterators_;
+    if (!iterators_.contains(&child)) iterators_.append(&child);
     lookups_.reset();
 }
 
 void Compound::childRemoving(NestedObject& child) {
     Node::childRemoving(child);
     if (child.isAttributeObject() || !isIterator(static_cast<Node&>(child))) return;
-    --iterators_;
+    iterators_.remove(&child);
     lookups_.reset();
 }
 

@@ -46,7 +46,7 @@ private:
     const Array<Attribute*>& iteratorAttributesOf(Attribute* attribute);
     void searchIterators(const Attribute* attribute, Array<Attribute*>& found) const;
 
-    uint32_t iterators_ = 0; // among the children
+    SmallList<NestedObject*> iterators_; // among the children
     std::unique_ptr<Lookups> lookups_;
 };
 

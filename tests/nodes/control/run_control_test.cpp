@@ -2,6 +2,7 @@
 // Nodes that sit in series on a chain: cancelling a run, stopping a simulation, sleeping.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <climits>
 #include <thread>
@@ -343,16 +344,37 @@ TEST(Sleep, HostMayForbidIt) {
     EXPECT_EQ(net.integer("E.evaluate"), 5);
 }
 
+/// A source that tells another thread that it was computed.
+class Announcing : public weft::Node {
+public:
+    Announcing(weft::NetworkManager* manager, const TM_String& name, weft::Node* parent)
+        : Node(manager, name, parent) {
+        appendClass<"Announcing">();
+        addOutput<weft::PassThroughAttribute>("out");
+    }
+    void update(Attribute*) override { isComputed = true; }
+
+    static inline std::atomic<bool> isComputed = false;
+};
+
 TEST(Sleep, ComesAfterItsInputIsComputed) {
-    SeriesScene net("Sleep");
+    Announcing::isComputed = false;
+    ControlScene net;
+    net.enter(new GraphNodeOf<Announcing>("Announcing"), "A");
+    net.add("Sleep", "X");
+    net.add("Evaluator", "E");
+    net.link("A.out", "X.in");
+    net.link("X.through", "E.evaluate");
     net.pin("X.milisecs")->setIntValue(60000);
     std::thread interrupter([&net] {
-        while (!net.at("X.in")->isClean()) std::this_thread::sleep_for(milliseconds(1));
+        while (!Announcing::isComputed) std::this_thread::sleep_for(milliseconds(1));
         net.scene.requestInterrupt();
     });
     net.scene.run();
     interrupter.join();
-    EXPECT_TRUE(net.at("S.integer")->isClean());
+    EXPECT_TRUE(net.scene.wasInterrupted());
+    EXPECT_TRUE(net.at("A.out")->isClean());
+    EXPECT_TRUE(net.at("X.in")->isClean());
     EXPECT_FALSE(net.at("X.through")->isClean());
 }
 
