@@ -11,11 +11,11 @@
 namespace tidemark::sluice::graph {
 
 /// A symbolic link keeps standing and its target is replaced. The new file has the permissions of
-/// the old one, and its owner and group where the process may give them. Only regular files that the
-/// process may write to are replaced.
+/// the old one, and its owner and group where the process may give them. Only regular files that
+/// the process may write to are replaced.
 ///
-/// Until `commit` succeeds the old file is untouched; the destructor removes the temporary file of a
-/// save that did not get that far. A process that is killed leaves it behind, named
+/// Until `commit` succeeds the old file is untouched; the destructor removes the temporary file of
+/// a save that did not get that far. A process that is killed leaves it behind, named
 /// ".sluice-save-<process>-<number>".
 class SLUICE_API FileSave {
 public:

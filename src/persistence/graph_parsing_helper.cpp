@@ -123,8 +123,7 @@ bool GraphParsingHelper::hasSingleCompoundAtTop(const PropertyTree& document, TM
 
 void GraphParsingHelper::replaceConnectionTextInPtree(PropertyTree& tree, const TM_String& before,
                                                       const TM_String& after) {
-    forEachConnectionEnd(
-        tree, [&](TM_String& end) { end = text::replaceAll(end, before, after); });
+    forEachConnectionEnd(tree, [&](TM_String& end) { end = text::replaceAll(end, before, after); });
 }
 
 void GraphParsingHelper::replaceConnectionPrefixTextInPtree(PropertyTree& tree,

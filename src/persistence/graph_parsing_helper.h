@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Graph files beyond the scene's own operations: documents as property trees, layouts and their text
-// forms, and the small tools that work on trees.
+// Graph files beyond the scene's own operations: documents as property trees, layouts and their
+// text forms, and the small tools that work on trees.
 #pragma once
 
 #include <cstdint>
@@ -47,8 +47,8 @@ public:
 
     static bool read_XML_base_static(const PropertyTree& document, SL_GraphScene& scene,
                                      GraphLayout& layout);
-    static bool read_XML_base_static(bool isFile, const TM_String& pathOrText,
-                                     SL_GraphScene& scene, GraphLayout& layout);
+    static bool read_XML_base_static(bool isFile, const TM_String& pathOrText, SL_GraphScene& scene,
+                                     GraphLayout& layout);
     /// To the file `path`, or to `out`.
     static bool write_XML_base_static(bool isFile, const TM_String& path,
                                       const SL_GraphScene& scene, const GraphLayout& layout,
@@ -82,9 +82,10 @@ public:
 
     /// Of the nodes given and all below them, those that `layout` has a value for. Their names are
     /// full ones for children of the scene's root, and otherwise relative to their owner.
-    static void writeNodeLayout_toBoostPropertyTree(
-        PropertyTree& element, const ArrayOfPtr<tidemark::graph::GraphNodeBase>& nodes,
-        const GraphLayout& layout);
+    static void
+    writeNodeLayout_toBoostPropertyTree(PropertyTree& element,
+                                        const ArrayOfPtr<tidemark::graph::GraphNodeBase>& nodes,
+                                        const GraphLayout& layout);
     static void writeNotesLayout_toBoostPropertyTree(PropertyTree& element,
                                                      const GraphLayout& layout);
     static void writeNodesLayoutBasic_toBoostPropertyTree(PropertyTree& element,

@@ -128,7 +128,8 @@ void readNode(const PropertyTree& node, GraphLayout& layout) {
     if (const auto value = Helper::readBool_fromBoostPropertyTree(node, "collapsed", name)) {
         layout.insertNodeCollapsed(name, *value);
     }
-    if (const auto value = Helper::readBool_fromBoostPropertyTree(node, "horizontal_inputs", name)) {
+    if (const auto value =
+            Helper::readBool_fromBoostPropertyTree(node, "horizontal_inputs", name)) {
         layout.insertNodeHorizontalInputs(name, *value);
     }
     if (const auto value =
@@ -166,8 +167,8 @@ void readNote(const PropertyTree& element, GraphLayout& layout) {
 }
 
 template <typename Read>
-bool readList(const PropertyTree& document, const char* list, const char* item,
-              GraphLayout& layout, Read read) {
+bool readList(const PropertyTree& document, const char* list, const char* item, GraphLayout& layout,
+              Read read) {
     const PropertyTree* elements = layoutList(document, list);
     if (!elements) return false;
     tree::forEach(*elements, item, [&](const PropertyTree& element) { read(element, layout); });
@@ -252,8 +253,9 @@ void appendNode(PropertyTree& list, const GraphLayout& layout, const TM_String& 
 
 } // namespace
 
-void GraphParsingHelper::writeNodeLayout_toBoostPropertyTree(
-    PropertyTree& element, const ArrayOfPtr<GraphNodeBase>& nodes, const GraphLayout& layout) {
+void GraphParsingHelper::writeNodeLayout_toBoostPropertyTree(PropertyTree& element,
+                                                             const ArrayOfPtr<GraphNodeBase>& nodes,
+                                                             const GraphLayout& layout) {
     PropertyTree& list = append(element, "nodes");
     for (const GraphNodeBase* top : nodes) {
         const GraphNodeBase* owner = top->getNodeOwner();

@@ -38,9 +38,8 @@ void writeInputs(const Node& node, PropertyTree& inputs) {
 void reportUnknownPin(const Node& node, const TM_String& pinName) {
     Array<TM_String> names;
     for (const Pin* pin : node.getArrInputPin()) names.append(pin->getName());
-    bridge::CCallbackCenter::Instance().Post(bridge::message::unknownPin,
-                                             node.getName() + "." + pinName,
-                                             text::nearest(pinName, names));
+    bridge::CCallbackCenter::Instance().Post(
+        bridge::message::unknownPin, node.getName() + "." + pinName, text::nearest(pinName, names));
 }
 
 } // namespace

@@ -68,7 +68,8 @@ public:
         try {
             document();
         } catch (const Refusal& refusal) {
-            const long line = droppedLines_ + lineBreaks(begin_, out_) + lineBreaks(token_, in_) + 1;
+            const long line =
+                droppedLines_ + lineBreaks(begin_, out_) + lineBreaks(token_, in_) + 1;
             return XmlProblem{refusal.message, line};
         }
         target_.bytes_.resize(static_cast<std::size_t>(out_ - begin_));

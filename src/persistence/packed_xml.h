@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The text of an XML document, checked once and packed: what the property tree's parser is given.
 //
-// Checking comes first because the parser trusts its input: it recurses with the nesting, stops at a
-// NUL byte and takes any bytes for text. Packing leaves out comments, processing instructions and the
-// blanks between elements, so that the tree holds nothing but what a reader asks for, and notes where
-// the large lists lie, so that they can be turned into trees piece by piece.
+// Checking comes first because the parser trusts its input: it recurses with the nesting, stops at
+// a NUL byte and takes any bytes for text. Packing leaves out comments, processing instructions and
+// the blanks between elements, so that the tree holds nothing but what a reader asks for, and notes
+// where the large lists lie, so that they can be turned into trees piece by piece.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The file form of a pin: the type text and the value text of an input, and its internal connections.
+// The file form of a pin: the type text and the value text of an input, and its internal
+// connections.
 #include <boost/property_tree/ptree.hpp>
 
 #include "bridge/host.h"
@@ -42,13 +43,20 @@ struct StoredValue {
 
 StoredValue numberOf(const Pin& pin, int type) {
     switch (type) {
-    case weft::typeReal: return {"real", text::general(pin.getFloatValue(), realPrecision)};
-    case weft::typeInteger: return {"integer", std::to_string(pin.getIntValue())};
-    case weft::typeInteger64: return {"integer64", std::to_string(pin.getInt64Value())};
-    case weft::typeVector3: return {"vector3", vectorText(pin.getVector3Value())};
-    case weft::typeColor4: return {"color4", colorText(pin.getColor4Value())};
-    case weft::typeBit: return {"bit", pin.getBitValue() ? "true" : "false"};
-    default: return {};
+    case weft::typeReal:
+        return {"real", text::general(pin.getFloatValue(), realPrecision)};
+    case weft::typeInteger:
+        return {"integer", std::to_string(pin.getIntValue())};
+    case weft::typeInteger64:
+        return {"integer64", std::to_string(pin.getInt64Value())};
+    case weft::typeVector3:
+        return {"vector3", vectorText(pin.getVector3Value())};
+    case weft::typeColor4:
+        return {"color4", colorText(pin.getColor4Value())};
+    case weft::typeBit:
+        return {"bit", pin.getBitValue() ? "true" : "false"};
+    default:
+        return {};
     }
 }
 
@@ -56,15 +64,24 @@ StoredValue numberOf(const Pin& pin, int type) {
 StoredValue bareTypeOf(int type) {
     const TM_String empty;
     switch (type) {
-    case weft::typeMatrix4: return {"matrix4", empty};
-    case weft::typeQuaternion: return {"quaternion", empty};
-    case weft::typeParticles: return {"graph_particles", empty};
-    case weft::typeBox: return {"axis_aligned_box3", empty};
-    case weft::typeMesh: return {"mesh", empty};
-    case weft::typeCondition: return {"condition", empty};
-    case weft::typeParameterType: return {"parameter_type", empty};
-    case weft::typePolymorphic: return {"polymorphic", empty};
-    default: return {};
+    case weft::typeMatrix4:
+        return {"matrix4", empty};
+    case weft::typeQuaternion:
+        return {"quaternion", empty};
+    case weft::typeParticles:
+        return {"graph_particles", empty};
+    case weft::typeBox:
+        return {"axis_aligned_box3", empty};
+    case weft::typeMesh:
+        return {"mesh", empty};
+    case weft::typeCondition:
+        return {"condition", empty};
+    case weft::typeParameterType:
+        return {"parameter_type", empty};
+    case weft::typePolymorphic:
+        return {"polymorphic", empty};
+    default:
+        return {};
     }
 }
 
@@ -84,7 +101,8 @@ StoredValue storedValueOf(const Pin& pin) {
 bool readVector(Pin& pin, const TM_String& value) {
     const Array<TM_String> parts = text::split(value, ",");
     if (parts.size() != 3) return false;
-    pin.setVector3Value({text::toFloat(parts[0]), text::toFloat(parts[1]), text::toFloat(parts[2])});
+    pin.setVector3Value(
+        {text::toFloat(parts[0]), text::toFloat(parts[1]), text::toFloat(parts[2])});
     return true;
 }
 
@@ -92,8 +110,8 @@ bool readColor(Pin& pin, const TM_String& value) {
     const Array<TM_String> parts = text::split(value, ",");
     if (parts.size() < 3) return false;
     const float alpha = parts.size() > 3 ? text::toFloat(parts[3]) : 1.0f;
-    pin.setColor4Value({text::toFloat(parts[0]), text::toFloat(parts[1]), text::toFloat(parts[2]),
-                        alpha});
+    pin.setColor4Value(
+        {text::toFloat(parts[0]), text::toFloat(parts[1]), text::toFloat(parts[2]), alpha});
     return true;
 }
 
@@ -174,9 +192,8 @@ void Pin::readInternalConnections_fromBoostPropertyTree(const PropertyTree& tree
     imported_.clear();
     const PropertyTree* list = tree::child(tree, "internal-connections");
     if (!list) return;
-    tree::forEach(*list, "output", [&](const PropertyTree& output) {
-        imported_.append(tree::text(output));
-    });
+    tree::forEach(*list, "output",
+                  [&](const PropertyTree& output) { imported_.append(tree::text(output)); });
 }
 
 } // namespace tidemark::sluice::graph

@@ -11,8 +11,8 @@ namespace tidemark::sluice::graph {
 /// or by an interrupt.
 bool readScene(bool isFile, const TM_String& pathOrText, SL_GraphScene& scene, GraphLayout* layout);
 
-/// Writes the scene to a file or to `out`, with the layout when it is not null. False, with a report
-/// to the host, when that failed; a file that was there before is then untouched.
+/// Writes the scene to a file or to `out`, with the layout when it is not null. False, with a
+/// report to the host, when that failed; a file that was there before is then untouched.
 bool writeScene(bool toFile, const TM_String& path, const SL_GraphScene& scene,
                 const GraphLayout* layout, TM_String& out);
 

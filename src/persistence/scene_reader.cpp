@@ -78,8 +78,8 @@ Optional<SceneReader::Begun> SceneReader::beginNode(const PropertyTree& tree,
     return begun;
 }
 
-NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type,
-                                const Begun& begun, NodeBase* parent) {
+NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type, const Begun& begun,
+                                NodeBase* parent) {
     if (!mayMakeNode()) return nullptr;
     NodeFactory* const factory = SceneManager::instance().getNodeFactoryFromType(type);
     NodeBase* const node = factory ? factory->createNode() : nullptr;
@@ -142,8 +142,7 @@ bool SceneReader::parsePiece(std::string_view text, PropertyTree& tree) {
 
 // Small siblings go through the parser together, a big one by itself.
 template <typename Step>
-void SceneReader::forEachPiece(const PackedXml& document, const PackedXml::Range& list,
-                               Step step) {
+void SceneReader::forEachPiece(const PackedXml& document, const PackedXml::Range& list, Step step) {
     PackedXml::Range piece{list.begin, list.begin};
     const auto hand = [&](const PackedXml::BigNode* big) {
         if (piece.size() > 0 && !shouldStop()) step(piece, big);
@@ -210,9 +209,9 @@ bool SceneReader::readConnections(const PackedXml& document) {
                  [&](const PackedXml::Range& piece, const PackedXml::BigNode*) {
                      PropertyTree connections;
                      if (!parsePiece(document.text(piece), connections)) return;
-                     tree::forEach(
-                         connections, "connection",
-                         [&](const PropertyTree& connection) { readConnection(connection); });
+                     tree::forEach(connections, "connection", [&](const PropertyTree& connection) {
+                         readConnection(connection);
+                     });
                      advance(piece.size());
                  });
     return !ended_;
@@ -252,8 +251,8 @@ void SceneReader::readConnection(const PropertyTree& tree) {
         scene_.arrImportedConnections_.append(connection);
         return;
     }
-    scene_.refMessages().pushError(text::format("Unable to connect '%s' to '%s'",
-                                                sourceName.c_str(), targetName.c_str()));
+    scene_.refMessages().pushError(
+        text::format("Unable to connect '%s' to '%s'", sourceName.c_str(), targetName.c_str()));
 }
 
 // Reports.

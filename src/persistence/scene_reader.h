@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Makes nodes and connections from elements: the steps behind the scene's reading operations, from a
-// property tree or, a piece at a time, from a packed document.
+// Makes nodes and connections from elements: the steps behind the scene's reading operations, from
+// a property tree or, a piece at a time, from a packed document.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,8 @@
 
 namespace tidemark::sluice::graph {
 
-/// Serves one reading. Failures are reported to the host and skipped, as the scene's operations say.
+/// Serves one reading. Failures are reported to the host and skipped, as the scene's operations
+/// say.
 class SceneReader {
 public:
     explicit SceneReader(SL_GraphScene& scene) : scene_(scene) {}

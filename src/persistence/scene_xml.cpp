@@ -74,9 +74,8 @@ void SL_GraphScene::writeConnections_toBoostPropertyTree(
     Connections inside;
     getConnectionsInvolvingOnlyNodes(nodes, inside);
     for (const GraphConnection* connection : inside) {
-        appendConnection(
-            list, relativeName(connection->getSourcePin()->getFullName(), above),
-            relativeName(connection->getTargetPin()->getFullName(), above));
+        appendConnection(list, relativeName(connection->getSourcePin()->getFullName(), above),
+                         relativeName(connection->getTargetPin()->getFullName(), above));
     }
 }
 

@@ -8,8 +8,8 @@ namespace tidemark::sluice::graph::tree {
 
 const TM_String& text(const PropertyTree& element) { return element.data(); }
 
-// Elements have few children, and their order is that of the document: a scan beats the tree's index
-// by name and always finds the first.
+// Elements have few children, and their order is that of the document: a scan beats the tree's
+// index by name and always finds the first.
 const PropertyTree* child(const PropertyTree& element, const char* key) {
     for (const auto& [name, subtree] : element) {
         if (name == key) return &subtree;
@@ -33,7 +33,8 @@ bool forEachNamed(const PropertyTree& element, const char* list, const char* ite
                   const NamedStep& step) {
     const PropertyTree* items = child(element, list);
     if (!items) return false;
-    forEach(*items, item, [&](const PropertyTree& found) { step(childText(found, "name"), found); });
+    forEach(*items, item,
+            [&](const PropertyTree& found) { step(childText(found, "name"), found); });
     return true;
 }
 

@@ -24,15 +24,15 @@ SLUICE_API const TM_String& text(const PropertyTree& element);
 /// The first child of that name; null when there is none. The key is one name, not a path.
 SLUICE_API const PropertyTree* child(const PropertyTree& element, const char* key);
 
-/// The text of the first child of that name; the empty text when there is none. Valid while the tree
-/// lives.
+/// The text of the first child of that name; the empty text when there is none. Valid while the
+/// tree lives.
 SLUICE_API const TM_String& childText(const PropertyTree& element, const char* key);
 
 /// Calls `step` with every child named `key`, in document order.
 SLUICE_API void forEach(const PropertyTree& element, const char* key, const ElementStep& step);
 
-/// Calls `step` with every element `item` below the first child `list`, in document order. False when
-/// there is no such list.
+/// Calls `step` with every element `item` below the first child `list`, in document order. False
+/// when there is no such list.
 SLUICE_API bool forEachNamed(const PropertyTree& element, const char* list, const char* item,
                              const NamedStep& step);
 

@@ -26,11 +26,16 @@ std::size_t sequenceLength(Byte first) {
 // The second byte rules out overlong forms, surrogates and what lies beyond the last code point.
 bool isSecondByteAllowed(Byte first, Byte second) {
     switch (first) {
-    case 0xe0: return second >= 0xa0;
-    case 0xed: return second < 0xa0;
-    case 0xf0: return second >= 0x90;
-    case 0xf4: return second < 0x90;
-    default: return true;
+    case 0xe0:
+        return second >= 0xa0;
+    case 0xed:
+        return second < 0xa0;
+    case 0xf0:
+        return second >= 0x90;
+    case 0xf4:
+        return second < 0x90;
+    default:
+        return true;
     }
 }
 
@@ -70,8 +75,8 @@ std::size_t firstBadByte(std::string_view text, bool stopAtNul) {
 // UTF-16 and UTF-32 show themselves by a mark or by a "<" beside a NUL byte.
 bool isWide(std::string_view bytes) {
     using namespace std::string_view_literals;
-    for (const std::string_view mark : {"\xfe\xff"sv, "\xff\xfe"sv, "\0\0\xfe\xff"sv, "<\0"sv,
-                                        "\0<"sv, "\0\0\0<"sv}) {
+    for (const std::string_view mark :
+         {"\xfe\xff"sv, "\xff\xfe"sv, "\0\0\xfe\xff"sv, "<\0"sv, "\0<"sv, "\0\0\0<"sv}) {
         if (bytes.substr(0, mark.size()) == mark) return true;
     }
     return false;

@@ -20,12 +20,18 @@ bool isBlank(unsigned char c) { return c == ' ' || c == '\t' || c == '\n'; }
 // be taken for a line break, and other control characters for nothing at all.
 std::string_view entityOf(char c) {
     switch (c) {
-    case '<': return "&lt;";
-    case '>': return "&gt;";
-    case '&': return "&amp;";
-    case '"': return "&quot;";
-    case '\'': return "&apos;";
-    default: return {};
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '&':
+        return "&amp;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&apos;";
+    default:
+        return {};
     }
 }
 

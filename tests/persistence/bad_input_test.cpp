@@ -70,8 +70,7 @@ TEST_F(BadInput, Texts) {
               "closing tag \"scene\" where \"nodes\" is open|3");
     EXPECT_EQ(fromText("<scene>\n\0</scene>"s), "a NUL byte in the text|2");
     EXPECT_EQ(fromText("<scene>\n\xe9</scene>"s), "bytes that are not UTF-8|2");
-    EXPECT_EQ(fromText("\xff\xfe<\0s\0"s),
-              "encoded as UTF-16 or UTF-32; only UTF-8 is read|1");
+    EXPECT_EQ(fromText("\xff\xfe<\0s\0"s), "encoded as UTF-16 or UTF-32; only UTF-8 is read|1");
     EXPECT_EQ(fromText("<?xml version=\"1.0\" encoding=\"latin-1\"?><scene/>"),
               "encoding \"latin-1\" is declared; only UTF-8 is read|1");
 }

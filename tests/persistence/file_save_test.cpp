@@ -133,8 +133,7 @@ TEST(FileSave, RefusesWhatIsNoFile) {
     EXPECT_EQ(save("/dev/null", "x"), "cannot be written: not a regular file");
     EXPECT_EQ(save("", "x"), "cannot be written: not a file name");
     EXPECT_EQ(save(std::string("a\0b", 3), "x"), "cannot be written: not a file name");
-    EXPECT_EQ(save(folder.file("a"), "x"),
-              "cannot be written: Too many levels of symbolic links");
+    EXPECT_EQ(save(folder.file("a"), "x"), "cannot be written: Too many levels of symbolic links");
     EXPECT_EQ(save(folder.file("file") + "/x", "x"), "cannot be written: Not a directory");
     EXPECT_EQ(save(folder.file("none") + "/x", "x"),
               "cannot be written: No such file or directory");

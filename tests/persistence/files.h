@@ -65,8 +65,8 @@ inline std::string node(const std::string& type, const std::string& name,
 
 inline std::string inputs(const std::string& content) { return "<inputs>" + content + "</inputs>"; }
 
-inline std::string input(const std::string& name, const std::string& type,
-                         const std::string& value, const std::string& more = "") {
+inline std::string input(const std::string& name, const std::string& type, const std::string& value,
+                         const std::string& more = "") {
     return "<input><name>" + name + "</name><type>" + type + "</type><value>" + value + "</value>" +
            more + "</input>";
 }

@@ -28,9 +28,8 @@ PropertyTree treeOf(const std::string& text) {
 
 std::string namesIn(const PropertyTree& list) {
     std::string names;
-    tree::forEach(list, "node", [&](const PropertyTree& node) {
-        names += tree::childText(node, "name") + " ";
-    });
+    tree::forEach(list, "node",
+                  [&](const PropertyTree& node) { names += tree::childText(node, "name") + " "; });
     return names;
 }
 
@@ -90,10 +89,9 @@ TEST(GraphParsingHelper, ReportsFileMessageAndLine) {
     EXPECT_FALSE(Helper::XML_fileToPropertyTree(path, tree));
     EXPECT_FALSE(Helper::XML_toPropertyTree(true, folder.file("none"), tree));
     EXPECT_FALSE(Helper::XML_stringToPropertyTree("<a", tree));
-    EXPECT_EQ(host.posts,
-              (Posts{"2263|" + path + "|closing tag \"b\" where \"a\" is open|2",
-                     "2263|" + folder.file("none") + "|No such file or directory|0",
-                     "2263||expected >|1"}));
+    EXPECT_EQ(host.posts, (Posts{"2263|" + path + "|closing tag \"b\" where \"a\" is open|2",
+                                 "2263|" + folder.file("none") + "|No such file or directory|0",
+                                 "2263||expected >|1"}));
 }
 
 TEST(GraphParsingHelper, ReportsNothingWhereNoneIsWanted) {
@@ -172,8 +170,7 @@ TEST(GraphParsingHelper, FindsASingleCompoundAtTheTop) {
     EXPECT_NE(tree::child(out, "x"), nullptr);
     EXPECT_TRUE(Helper::hasSingleCompoundAtTop(
         treeOf("<scene><nodes>" + compound + "</nodes></scene>"), name, out));
-    EXPECT_FALSE(
-        Helper::hasSingleCompoundAtTop(treeOf(inRoot(compound + compound)), name, out));
+    EXPECT_FALSE(Helper::hasSingleCompoundAtTop(treeOf(inRoot(compound + compound)), name, out));
     EXPECT_FALSE(Helper::hasSingleCompoundAtTop(
         treeOf("<scene><nodes>" + compound + compound + "</nodes></scene>"), name, out));
     EXPECT_FALSE(Helper::hasSingleCompoundAtTop(

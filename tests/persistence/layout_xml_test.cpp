@@ -102,11 +102,11 @@ TEST(LayoutChildren, ThatAreMissingAreNoFailure) {
 }
 
 TEST(LayoutReading, OfNodes) {
-    const GraphLayout layout = layoutOf(
-        "<nodes><node><name>root.A</name><position>1,2</position><color>1,0.5,0</color>"
-        "<collapsed>no</collapsed><horizontal_inputs>true</horizontal_inputs>"
-        "<horizontal_outputs>false</horizontal_outputs></node>"
-        "<node><name>root.B</name></node><node><position>5,5</position></node></nodes>");
+    const GraphLayout layout =
+        layoutOf("<nodes><node><name>root.A</name><position>1,2</position><color>1,0.5,0</color>"
+                 "<collapsed>no</collapsed><horizontal_inputs>true</horizontal_inputs>"
+                 "<horizontal_outputs>false</horizontal_outputs></node>"
+                 "<node><name>root.B</name></node><node><position>5,5</position></node></nodes>");
     EXPECT_EQ(layout.getPositionByNodeName("root.A"), (Position{1, 2}));
     EXPECT_EQ(layout.getColorByNodeName("root.A"), Color(1, 0.5f, 0, 1));
     EXPECT_EQ(layout.getCollapsedByNodeName("root.A"), false);
@@ -132,25 +132,26 @@ TEST(LayoutReading, PutsBezierWhereVisibleGoes) {
 
 TEST(LayoutReading, OfNotes) {
     RecordingHost host;
-    const GraphLayout layout = layoutOf(
-        "<notes><note><parentNode>root</parentNode><content>two\nlines</content>"
-        "<position>1,2</position><size>30,40</size><textColor>1,0,0</textColor>"
-        "<backgroundColor>0,1,0,0.5</backgroundColor></note>"
-        "<note><content>bare</content><size>1</size></note></notes>");
+    const GraphLayout layout =
+        layoutOf("<notes><note><parentNode>root</parentNode><content>two\nlines</content>"
+                 "<position>1,2</position><size>30,40</size><textColor>1,0,0</textColor>"
+                 "<backgroundColor>0,1,0,0.5</backgroundColor></note>"
+                 "<note><content>bare</content><size>1</size></note></notes>");
     ASSERT_EQ(layout.notes().size(), 2u);
-    EXPECT_EQ(layout.notes()[0], (tidemark::graph::NoteDesc{"root", "two\nlines", {1, 2}, {30, 40},
-                                                            Color(1, 0, 0, 1),
-                                                            Color(0, 1, 0, 0.5f)}));
+    EXPECT_EQ(
+        layout.notes()[0],
+        (tidemark::graph::NoteDesc{
+            "root", "two\nlines", {1, 2}, {30, 40}, Color(1, 0, 0, 1), Color(0, 1, 0, 0.5f)}));
     EXPECT_EQ(layout.notes()[1].content, "bare");
     EXPECT_EQ(host.posts, Posts{"2267|size"});
 }
 
 TEST(LayoutReading, ReportsTheNodeAndTheKey) {
     RecordingHost host;
-    const GraphLayout layout = layoutOf(
-        "<nodes><node><name>root.A</name><position>1;2</position><color>1</color>"
-        "<collapsed>maybe</collapsed></node></nodes>"
-        "<connections><connection><name>k</name><visible/></connection></connections>");
+    const GraphLayout layout =
+        layoutOf("<nodes><node><name>root.A</name><position>1;2</position><color>1</color>"
+                 "<collapsed>maybe</collapsed></node></nodes>"
+                 "<connections><connection><name>k</name><visible/></connection></connections>");
     EXPECT_EQ(host.posts, (Posts{"2266|root.A|position", "2266|root.A|color",
                                  "2266|root.A|collapsed", "2266|k|visible"}));
     EXPECT_FALSE(layout.getPositionByNodeName("root.A"));
@@ -259,7 +260,8 @@ TEST(LayoutOfAScene, IsWrittenAndReadWithIt) {
     layout.insertNodePosition("root.C.A", {0.1f, -2});
     layout.addNote("root.C", "a < b", {1, 2}, {3, 4}, Color(0, 0, 0, 1), Color(1, 1, 1, 0.5f));
     TM_String text;
-    ASSERT_TRUE(Helper::write_XML_base_static(true, folder.file("x.xml"), build.scene, layout, text));
+    ASSERT_TRUE(
+        Helper::write_XML_base_static(true, folder.file("x.xml"), build.scene, layout, text));
     ASSERT_TRUE(Helper::write_XML_base_static(false, "", build.scene, layout, text));
     EXPECT_EQ(support::contentOf(folder.file("x.xml")), text);
     SL_GraphScene scene;

@@ -62,8 +62,7 @@ TEST(PackedXml, TellsWhereADocumentBreaksOff) {
 }
 
 TEST(PackedXml, TellsTheLineOfABadTag) {
-    EXPECT_EQ(packed("<a>\n\n<b>\n</c></a>"),
-              "line 4: closing tag \"c\" where \"b\" is open");
+    EXPECT_EQ(packed("<a>\n\n<b>\n</c></a>"), "line 4: closing tag \"c\" where \"b\" is open");
     EXPECT_EQ(packed("<a/>\n</a>"), "line 2: closing tag without an element");
     EXPECT_EQ(packed("<a>\n< b/></a>"), "line 2: expected element name");
     EXPECT_EQ(packed("<a>\n<b c/></a>"), "line 2: expected =");
@@ -88,8 +87,7 @@ TEST(PackedXml, RefusesTextOutsideOfTheElement) {
 TEST(PackedXml, RefusesReferencesToNoCharacter) {
     for (const char* reference : {"&#;", "&#x;", "&#12", "&#x110000;", "&#xd800;", "&#57343;",
                                   "&#99999999999999999999;", "&#1a;", "&#X20;"}) {
-        EXPECT_EQ(packed("<a>\n"s + reference + "</a>"),
-                  "line 2: invalid numeric character entity")
+        EXPECT_EQ(packed("<a>\n"s + reference + "</a>"), "line 2: invalid numeric character entity")
             << reference;
     }
     EXPECT_EQ(packed("<a>&#32;&#x10FFFF;&amp;&other;&</a>"), "<a>&#32;&#x10FFFF;&amp;&other;&</a>");

@@ -169,8 +169,12 @@ TEST_F(PinXml, WritesTypeAndValueOfEveryKind) {
 
 TEST_F(PinXml, WritesRealsWithSevenDigits) {
     const std::map<float, std::string> texts = {
-        {1.0f, "1"},           {-0.5f, "-0.5"},     {16777216.0f, "1.677722e+07"},
-        {1234567.0f, "1234567"}, {1e-5f, "1e-05"}, {3.14159274f, "3.141593"},
+        {1.0f, "1"},
+        {-0.5f, "-0.5"},
+        {16777216.0f, "1.677722e+07"},
+        {1234567.0f, "1234567"},
+        {1e-5f, "1e-05"},
+        {3.14159274f, "3.141593"},
         {3.4e38f, "3.4e+38"},
     };
     for (const auto& [number, text] : texts) {
@@ -196,9 +200,9 @@ TEST_F(PinXml, ReadsReals) {
 
 TEST_F(PinXml, ReadsIntegers) {
     const std::map<std::string, int> texts = {
-        {"12", 12},      {" -7x", -7},          {"", 0},   {"word", 0},
-        {"1.9", 1},      {"2147483647", 2147483647},       {"4294967297", 1},
-        {"+3", 3},       {"99999999999999999999", -1},
+        {"12", 12},        {" -7x", -7}, {"", 0},
+        {"word", 0},       {"1.9", 1},   {"2147483647", 2147483647},
+        {"4294967297", 1}, {"+3", 3},    {"99999999999999999999", -1},
     };
     for (const auto& [text, number] : texts) {
         EXPECT_TRUE(read("Integer", "integer", text));
@@ -295,8 +299,8 @@ TEST_F(PinXml, TypesWithoutValueAreReadSilently) {
 }
 
 TEST_F(PinXml, UnknownTypesAreReportedAndKeepTheDefault) {
-    const char* const types[] = {"matrix4", "quaternion",     "mesh", "condition",
-                                 "parameter_type", "Real", "text"};
+    const char* const types[] = {"matrix4",        "quaternion", "mesh", "condition",
+                                 "parameter_type", "Real",       "text"};
     Posts expected;
     for (const char* type : types) {
         EXPECT_TRUE(read("Real", type, "5")) << type;
@@ -341,8 +345,7 @@ TEST_F(PinXml, ReadsInternalConnectionsOfInputsOnly) {
     tree.add("internal-connections.other", "no");
     pin("Real").refInternalConnectionsFromImport() = {"old"};
     pin("Real").readInternalConnections_fromBoostPropertyTree(tree);
-    EXPECT_EQ(pin("Real").getInternalConnectionsFromImport(),
-              (Array<TM_String>{"out", "second"}));
+    EXPECT_EQ(pin("Real").getInternalConnectionsFromImport(), (Array<TM_String>{"out", "second"}));
     pin("Real").readInternalConnections_fromBoostPropertyTree(PropertyTree());
     EXPECT_TRUE(pin("Real").getInternalConnectionsFromImport().empty());
     pin("out").readInternalConnections_fromBoostPropertyTree(tree);

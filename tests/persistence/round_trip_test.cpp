@@ -87,9 +87,13 @@ private:
 
     void fill(const std::string& path, int depth) {
         static const char* const types[] = {
-            "Add", "Sub", "Mul", "Div", "Real", "Integer", "Integer64", "Bit", "Vector3", "Color4",
-            "String", "StringFilePath", "StringFolder", "StringConcat2", "StringFilePathCompose",
-            "StringSplit", "StringInfo", "IntegerToString", "Sleep", "GraphCancel"};
+            "Add",          "Sub",           "Mul",
+            "Div",          "Real",          "Integer",
+            "Integer64",    "Bit",           "Vector3",
+            "Color4",       "String",        "StringFilePath",
+            "StringFolder", "StringConcat2", "StringFilePathCompose",
+            "StringSplit",  "StringInfo",    "IntegerToString",
+            "Sleep",        "GraphCancel"};
         const unsigned count = 4 + below(8);
         for (unsigned i = 0; i < count; ++i) {
             const std::string name = path + "N" + std::to_string(i) + "x";

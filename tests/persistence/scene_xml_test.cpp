@@ -61,9 +61,10 @@ std::string lists(const std::string& in, const std::string& out, const std::stri
 
 // Trace: a compound that adds 10 to what comes in.
 std::string compoundDocument(const std::string& addType) {
-    const std::string inner =
-        node("CompoundInterface", "IO", lists(pinElement("input", "y"), pinElement("output", "x"))) +
-        node(addType, "A") + node("Integer", "K", inputs(input("in", "integer", "10")));
+    const std::string inner = node("CompoundInterface", "IO",
+                                   lists(pinElement("input", "y"), pinElement("output", "x"))) +
+                              node(addType, "A") +
+                              node("Integer", "K", inputs(input("in", "integer", "10")));
     return document(
         node("Integer", "S", inputs(input("in", "integer", "3"))) +
             node("Compound", "C",
@@ -276,12 +277,12 @@ TEST(SceneReading, OfACompoundFollowsTheTrace) {
 
 TEST(SceneReading, OfANodeMakesPinsInTheOrderOfTheFile) {
     SL_GraphScene scene;
-    ASSERT_TRUE(scene.read_XML_fromString(document(node(
-        "Compound", "C",
-        lists(pinElement("input", "b") + pinElement("input", "a"), pinElement("output", "y"),
-              node("CompoundInterface", "IO",
-                   lists(pinElement("input", "y"),
-                         pinElement("output", "a") + pinElement("output", "b"))))))));
+    ASSERT_TRUE(scene.read_XML_fromString(document(
+        node("Compound", "C",
+             lists(pinElement("input", "b") + pinElement("input", "a"), pinElement("output", "y"),
+                   node("CompoundInterface", "IO",
+                        lists(pinElement("input", "y"),
+                              pinElement("output", "a") + pinElement("output", "b"))))))));
     const auto* compound = static_cast<NodeBase*>(scene.getNodePtrByFullName("root.C"));
     EXPECT_EQ(SceneBuilder::namesOf(compound->getArrInputPin()), (Names{"b", "a"}));
 }
@@ -290,8 +291,8 @@ TEST(SceneReading, AnUnknownTypeIsReportedWithEveryConnectionToIt) {
     SL_GraphScene scene;
     RecordingHost host;
     EXPECT_TRUE(scene.read_XML_fromString(compoundDocument("Ad")));
-    EXPECT_EQ(host.posts, (Posts{"2255|Ad|root.C.A|Add", "2260|root.C.A.in0|",
-                                 "2260|root.C.A.in1|", "2260|root.C.A.result|"}));
+    EXPECT_EQ(host.posts, (Posts{"2255|Ad|root.C.A|Add", "2260|root.C.A.in0|", "2260|root.C.A.in1|",
+                                 "2260|root.C.A.result|"}));
     EXPECT_EQ(scene.nodesById().size(), 5u);
     EXPECT_EQ(scene.connections().size(), 2u);
 }
@@ -299,9 +300,8 @@ TEST(SceneReading, AnUnknownTypeIsReportedWithEveryConnectionToIt) {
 TEST(SceneReading, WhatLiesBelowAnUnknownTypeIsSkipped) {
     SL_GraphScene scene;
     RecordingHost host;
-    EXPECT_TRUE(scene.read_XML_fromString(
-        document(node("Xyzzy", "X", "<nodes>" + node("Add", "A") + "</nodes>") +
-                 node("Add", "B"))));
+    EXPECT_TRUE(scene.read_XML_fromString(document(
+        node("Xyzzy", "X", "<nodes>" + node("Add", "A") + "</nodes>") + node("Add", "B"))));
     EXPECT_EQ(host.posts, Posts{"2255|Xyzzy|root.X|"});
     EXPECT_EQ(namesOf(scene.getArrImportedNodes()), Names{"B"});
 }
@@ -309,21 +309,20 @@ TEST(SceneReading, WhatLiesBelowAnUnknownTypeIsSkipped) {
 TEST(SceneReading, AMissingPinIsReportedWithTheNearest) {
     SL_GraphScene scene;
     RecordingHost host;
-    EXPECT_TRUE(scene.read_XML_fromString(document(
-        node("Integer", "S") + node("Add", "Sum_01"), "S.intger>Sum_01.in0 S.integer>Sum_1.in0 "
-                                                      "S.integer>Sum_01 x>y")));
-    EXPECT_EQ(host.posts, (Posts{"2260|root.S.intger|root.S.integer",
-                                 "2260|root.Sum_1.in0|root.Sum_01.in0", "2260|root.Sum_01|",
-                                 "2260|root.x|", "2260|root.y|"}));
+    EXPECT_TRUE(scene.read_XML_fromString(document(node("Integer", "S") + node("Add", "Sum_01"),
+                                                   "S.intger>Sum_01.in0 S.integer>Sum_1.in0 "
+                                                   "S.integer>Sum_01 x>y")));
+    EXPECT_EQ(host.posts,
+              (Posts{"2260|root.S.intger|root.S.integer", "2260|root.Sum_1.in0|root.Sum_01.in0",
+                     "2260|root.Sum_01|", "2260|root.x|", "2260|root.y|"}));
     EXPECT_EQ(scene.connections().size(), 0u);
 }
 
 TEST(SceneReading, AnUnknownInputIsReportedAndSkipped) {
     SL_GraphScene scene;
     RecordingHost host;
-    EXPECT_TRUE(scene.read_XML_fromString(
-        document(node("Integer", "S", inputs(input("inn", "integer", "1") +
-                                             input("in", "integer", "2"))))));
+    EXPECT_TRUE(scene.read_XML_fromString(document(
+        node("Integer", "S", inputs(input("inn", "integer", "1") + input("in", "integer", "2"))))));
     EXPECT_EQ(host.posts, Posts{"2261|S.inn|in"});
     EXPECT_EQ(scene.getPinIntValue("root.S.in"), 2);
 }
@@ -332,9 +331,9 @@ TEST(SceneReading, InterfaceNodesOutsideOfCompoundsAreRefused) {
     SL_GraphScene scene;
     RecordingHost host;
     const std::string child = "<nodes>" + node("Add", "A") + "</nodes>";
-    EXPECT_TRUE(scene.read_XML_fromString(document(
-        node("CompoundInterface", "I", child) + node("INPUTINTERFACE", "J", child) +
-        node("outputInterface", "K", child))));
+    EXPECT_TRUE(scene.read_XML_fromString(document(node("CompoundInterface", "I", child) +
+                                                   node("INPUTINTERFACE", "J", child) +
+                                                   node("outputInterface", "K", child))));
     EXPECT_EQ(host.posts, (Posts{"2256|root.I|CompoundInterface", "2256|root.J|INPUTINTERFACE",
                                  "2256|root.K|outputInterface"}));
     EXPECT_EQ(scene.nodesById().size(), 0u);
@@ -364,8 +363,8 @@ TEST(SceneReading, ANameThatIsTakenIsChangedAndConnectionsFollow) {
     EXPECT_EQ(host.posts, Posts());
     EXPECT_EQ(build.connections(), Names{"S01.integer>A01.in0"});
     const auto& names = build.scene.getXmlToImportedName();
-    EXPECT_EQ(names, (std::map<TM_String, TM_String>{{"root.S", "root.S01"},
-                                                     {"root.A", "root.A01"}}));
+    EXPECT_EQ(names,
+              (std::map<TM_String, TM_String>{{"root.S", "root.S01"}, {"root.A", "root.A01"}}));
 }
 
 TEST(SceneReading, OfTwoEqualNamesTheLaterNodeGetsTheConnections) {
@@ -386,8 +385,8 @@ TEST(SceneReading, AnUntypedNodeAtTheTopIsTheRoot) {
 
 TEST(SceneReading, NodesMayStandWithoutARoot) {
     SceneBuilder build;
-    ASSERT_TRUE(build.scene.read_XML_fromString("<scene><nodes>" + node("Add", "A") +
-                                                "</nodes></scene>"));
+    ASSERT_TRUE(
+        build.scene.read_XML_fromString("<scene><nodes>" + node("Add", "A") + "</nodes></scene>"));
     EXPECT_NE(build.node("A"), nullptr);
 }
 
@@ -458,15 +457,14 @@ TEST(SceneReading, AppliesInternalConnections) {
     });
     const std::string other =
         "<internal-connections><output>other</output><output>none</output></internal-connections>";
-    const std::string out =
-        "<internal-connections><output>out</output></internal-connections>";
+    const std::string out = "<internal-connections><output>out</output></internal-connections>";
     {
         SceneBuilder build;
         RecordingHost host;
-        ASSERT_TRUE(build.scene.read_XML_fromString(document(
-            node("Probe", "P", inputs(input("in", "vector3", "1,2,3", other))) +
-            node("Probe", "Q", inputs(input("in", "vector3", "1,2,3", out))) +
-            node("Probe", "R", inputs(input("in", "vector3", "1,2", out))))));
+        ASSERT_TRUE(build.scene.read_XML_fromString(
+            document(node("Probe", "P", inputs(input("in", "vector3", "1,2,3", other))) +
+                     node("Probe", "Q", inputs(input("in", "vector3", "1,2,3", out))) +
+                     node("Probe", "R", inputs(input("in", "vector3", "1,2", out))))));
         const auto ends = [&](const char* pin) {
             return support::Net::namesOf(build.at(pin)->passThroughs());
         };
@@ -476,7 +474,8 @@ TEST(SceneReading, AppliesInternalConnections) {
         EXPECT_EQ(build.messages("Q"), Names());
         EXPECT_EQ(ends("R.in"), "");
         EXPECT_EQ(build.seen<Vector3<float>>("R.in"), Vector3<float>(0, 0, 0));
-        EXPECT_EQ(host.posts, Posts{"2261|P.none"});
+        EXPECT_EQ(host.posts,
+                  (Posts{"2286|[P] Internal connection in->other not allowed", "2261|P.none"}));
     }
 }
 
@@ -598,8 +597,8 @@ TEST(SceneSelection, OneNodeIsReadByItself) {
     EXPECT_EQ((*made)->getFullName(), "root.A");
     EXPECT_EQ(build.scene.getXmlToImportedName().at("A"), "root.A");
     ASSERT_TRUE(Helper::XML_stringToPropertyTree(node("Xyzzy", "A"), tree));
-    EXPECT_FALSE(build.scene.readNode_fromBoostPropertyTree(*tree::child(tree, "node"), "root",
-                                                            nullptr));
+    EXPECT_FALSE(
+        build.scene.readNode_fromBoostPropertyTree(*tree::child(tree, "node"), "root", nullptr));
 }
 
 // Large files.
@@ -619,14 +618,15 @@ std::string largeDocument(int depth, int width) {
         for (int i = 0; i < d; ++i) path += "C.";
         std::string level;
         for (int i = 0; i < width; ++i) {
-            level += node("Add", "A" + std::to_string(i) + "x",
-                          inputs(input("in1", "polymorphic", "")));
+            level +=
+                node("Add", "A" + std::to_string(i) + "x", inputs(input("in1", "polymorphic", "")));
             if (i > 0) {
                 connections += path + "A" + std::to_string(i - 1) + "x.result>" + path + "A" +
                                std::to_string(i) + "x.in0 ";
             }
         }
-        nodes = nodes.empty() ? level : level + node("Compound", "C", "<nodes>" + nodes + "</nodes>");
+        nodes =
+            nodes.empty() ? level : level + node("Compound", "C", "<nodes>" + nodes + "</nodes>");
     }
     return document(nodes, connections.substr(0, connections.size() - 1));
 }

@@ -38,8 +38,7 @@ std::string writtenTree(const ptree& tree) {
 
 std::string boostWritten(const ptree& tree) {
     std::ostringstream out;
-    write_xml(out, tree,
-              boost::property_tree::xml_writer_settings<std::string>(' ', 4, "utf-8"));
+    write_xml(out, tree, boost::property_tree::xml_writer_settings<std::string>(' ', 4, "utf-8"));
     return out.str();
 }
 
@@ -93,9 +92,8 @@ TEST(XmlWriter, WritesElementsPieceByPiece) {
 TEST(XmlWriter, KeepsEveryCharacterOfAText) {
     std::string all;
     for (int c = 0; c < 128; ++c) all += static_cast<char>(c);
-    for (const std::string& text :
-         {all, "\0"s, "\r\n"s, "\x01\x02"s, "\xc3\xa9\xf0\x9f\x98\x80"s, "]]>"s, "&amp;"s,
-          "<![CDATA["s, " x "s, "&#65;"s}) {
+    for (const std::string& text : {all, "\0"s, "\r\n"s, "\x01\x02"s, "\xc3\xa9\xf0\x9f\x98\x80"s,
+                                    "]]>"s, "&amp;"s, "<![CDATA["s, " x "s, "&#65;"s}) {
         EXPECT_EQ(readBack(text), text);
     }
 }
