@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // From JSON to the values of pins.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -104,6 +105,8 @@ bool readElement(const Json& json, Quaternion<float>& out) {
 
 bool readElement(const Json& json, Matrix4<float>& out) { return readFloats(json, &out[0][0], 16); }
 
+constexpr std::size_t mostElements = 0x7fffffff; // of any array
+
 template <typename T>
 std::optional<Array<T>> readArray(const Json& json) {
     // A single vector is a list of numbers itself.
@@ -111,6 +114,7 @@ std::optional<Array<T>> readArray(const Json& json) {
     if (readElement(json, single)) return Array<T>{single};
     if (!json.is_array()) return std::nullopt;
     Array<T> array;
+    array.reserve(static_cast<uint32_t>(std::min<std::size_t>(json.size(), mostElements)));
     for (const Json& element : json) {
         T read{};
         if (!readElement(element, read)) return std::nullopt;
