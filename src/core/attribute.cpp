@@ -356,6 +356,7 @@ void Attribute::disconnectSource() {
     const LifeWatch self(this);
     Attribute* const old = source_;
     manager.removeEdge(old, this);
+    SpecializationSolver::noteSplit();
     source_ = nullptr;
     currentValue_ = value_;
     if (old->destinations_.contains(this)) old->removeDestination(this);
@@ -521,6 +522,7 @@ void Attribute::leaveRelations() {
     affects_.clear();
     affectedBy_.clear();
     const SmallList<SpecializationLink> links = links_;
+    if (!links.empty()) SpecializationSolver::noteSplit();
     for (const SpecializationLink& link : links) {
         link.first->links_.remove(link);
         link.second->links_.remove(link);

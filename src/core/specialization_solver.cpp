@@ -3,6 +3,7 @@
 #include "core/specialization_solver.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "core/callbacks.h"
 #include "core/network_manager.h"
@@ -18,7 +19,41 @@ constexpr int mostSearchRounds = 100;
 // only a node whose links contradict themselves comes near.
 constexpr uint64_t mostVisitsPerAttribute = 200;
 
+// An attribute whose group was found to be large keeps this mark where its index in a gathered group
+// stands otherwise. The mark is good until something is taken apart, and for one limit only.
+constexpr uint32_t largeMark = 0x80000000u;
+constexpr uint32_t limitOfMarks = 64;
+std::atomic<uint32_t> splits{0};
+
+uint32_t markOfLarge() { return largeMark | splits.load(std::memory_order_relaxed); }
+
 } // namespace
+
+void SpecializationSolver::noteSplit() {
+    splits.store((splits.load(std::memory_order_relaxed) + 1) & ~largeMark,
+                 std::memory_order_relaxed);
+}
+
+bool SpecializationSolver::isSmallGroup(Attribute* start) {
+    const uint32_t limit = manager_.searchedGroupLimit();
+    if (limit != limitOfMarks) return gather(start, limit);
+    const uint32_t mark = markOfLarge();
+    if (start->scratch_ == mark) return false;
+    for (const SpecializationLink& link : start->links_) {
+        if (link.first->scratch_ == mark || link.second->scratch_ == mark) return false;
+    }
+    for (const Attribute* reader : start->destinations_) {
+        if (reader->scratch_ == mark) return false;
+        if (start->destinations_.size() > limit) return false;
+    }
+    return gather(start, limit);
+}
+
+void SpecializationSolver::rememberLarge(Attribute* source, Attribute* destination) {
+    if (manager_.searchedGroupLimit() != limitOfMarks) return;
+    source->scratch_ = destination->scratch_ = markOfLarge();
+    for (const Entry& entry : entries_) entry.attribute->scratch_ = markOfLarge();
+}
 
 // The group in the order of recursion: both ends of each link, the source, each destination. False
 // when it has more than `limit` attributes.
@@ -92,7 +127,7 @@ bool SpecializationSolver::settleByPropagation(Attribute* start) {
 
 bool SpecializationSolver::settleConnection(Attribute* source, Attribute* destination) {
     if (manager_.isTearingDown()) return true;
-    if (gather(source, manager_.searchedGroupLimit())) return settle(source);
+    if (isSmallGroup(source)) return settle(source);
     if (manager_.changedTypes_ > 0 && isGroupChanged(source)) return settleByPropagation(source);
     isGathered_ = false;
     entries_.clear();
@@ -101,6 +136,7 @@ bool SpecializationSolver::settleConnection(Attribute* source, Attribute* destin
     narrowPair(source, destination);
     const bool settled = propagate();
     markSettled();
+    rememberLarge(source, destination);
     applyConnection(source);
     return settled;
 }

@@ -35,6 +35,9 @@ public:
     /// Settles the group after `source` was connected to `destination`.
     bool settleConnection(Attribute* source, Attribute* destination);
 
+    /// To be called when a connection or a link goes: groups that were large may be small now.
+    static void noteSplit();
+
 private:
     struct Entry {
         Attribute* attribute;
@@ -44,6 +47,8 @@ private:
     };
 
     bool gather(Attribute* start, uint32_t limit);
+    bool isSmallGroup(Attribute* start);
+    void rememberLarge(Attribute* source, Attribute* destination);
     void seedFromAllowed();
     uint32_t indexOf(Attribute* attribute);
     SpecializationList& listOf(Attribute* attribute) { return entries_[indexOf(attribute)].list; }
