@@ -323,7 +323,8 @@ void Node::getMessagesAsStrings(Array<TM_String>& out) const {
 
 void Node::setNumberOfThreads(unsigned threads) {
     constexpr unsigned allOnes = ~0u;
-    if (weftNode_) weftNode_->setNumberOfThreads(threads == allOnes ? 0 : static_cast<int>(threads));
+    if (weftNode_)
+        weftNode_->setNumberOfThreads(threads == allOnes ? 0 : static_cast<int>(threads));
 }
 
 int Node::getNumberOfThreads() const {

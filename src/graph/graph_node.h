@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// The editable object of one node type. It stands in the tree of a scene, owns its pins, and holds a
-// reference to exactly one logic node, which does the computing.
+// The editable object of one node type. It stands in the tree of a scene, owns its pins, and holds
+// a reference to exactly one logic node, which does the computing.
 //
 // A node is constructed by a factory (name and type only), added (`SL_GraphScene::addNodeToGraph`:
-// logic node and pins come to be), owned (`setNodeOwner`: it has its place in the tree), and removed
-// (`onRemovingFromScene`, then deleted by the scene).
+// logic node and pins come to be), owned (`setNodeOwner`: it has its place in the tree), and
+// removed (`onRemovingFromScene`, then deleted by the scene).
 #pragma once
 
 #include "core/node.h"
@@ -106,8 +106,8 @@ public:
 
     GraphNodePin* addDynamicInputPin() override;
     GraphNodePin* addDynamicOutputPin() override;
-    /// Deletes the pin; a dynamic one with its attribute, an interface node's with the counterpart on
-    /// the compound. Always true.
+    /// Deletes the pin; a dynamic one with its attribute, an interface node's with the counterpart
+    /// on the compound. Always true.
     bool removeNodePin(GraphNodePin* pin) override;
     void destroyNodePins() override;
     void reorderInputPins(const Array<TM_String>& names) override;
@@ -154,7 +154,8 @@ public:
     virtual weft::Attribute* createDynamicAttribute();
 
 protected:
-    /// The steps after the logic node was made: its place below the root, its messages, id and name.
+    /// The steps after the logic node was made: its place below the root, its messages, id and
+    /// name.
     void adoptWeftNode(weft::Node* node);
     /// Tears the logic node down and releases it; once.
     void destroyWeftNode();

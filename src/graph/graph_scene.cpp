@@ -187,8 +187,8 @@ GraphNodePin* SL_GraphScene::createCompoundPinForInterfacePin(GraphNodePin* inte
     GraphNodeBase* const node = interfacePin ? interfacePin->getParentGraphNodePtr() : nullptr;
     GraphNodeBase* const compound = node ? node->getNodeOwner() : nullptr;
     if (!compound) return nullptr;
-    GraphNodePin* const made = interfacePin->isInput() ? compound->addDynamicOutputPin()
-                                                       : compound->addDynamicInputPin();
+    GraphNodePin* const made =
+        interfacePin->isInput() ? compound->addDynamicOutputPin() : compound->addDynamicInputPin();
     if (!made) return nullptr;
     made->setName(interfacePin->getName());
     interfacePin->setParentGraphNodePinPtr(made);

@@ -64,16 +64,16 @@ public:
     /// Gives the node a suffix above the highest in use: "Add_01", "Add_02", ...
     void assignUniqueName(GraphNodeBase* node);
     using GraphScene::connect;
-    /// Null when the pins do not allow it. A refusal by the logic layer leaves the connection and an
-    /// error on the source's node. `flag` is not read.
+    /// Null when the pins do not allow it. A refusal by the logic layer leaves the connection and
+    /// an error on the source's node. `flag` is not read.
     GraphConnection* connect(GraphNodePin* source, GraphNodePin* target, bool flag) override;
     bool removeConnection(GraphConnection* connection) override;
     GraphNodeBase* createNewCompound() override;
     GraphNodeBase* createNewInterfaceNode() override;
     GraphNodeBase* createNewEvaluator() override;
     GraphNodeBase* createNewPassThrough() override;
-    /// Adds a pin to the interface node, an output for the input flag and an input for any other, and
-    /// its counterpart to the compound; both are named "input" or "output" after the flag.
+    /// Adds a pin to the interface node, an output for the input flag and an input for any other,
+    /// and its counterpart to the compound; both are named "input" or "output" after the flag.
     bool addCompoundInterfacePin(const PinFlags& flags, GraphNodeBase* interfaceNode,
                                  GraphNodePin*& interfacePin, GraphNodePin*& compoundPin) override;
     GraphNodePin* createCompoundPinForInterfacePin(GraphNodePin* interfacePin) override;
@@ -87,8 +87,8 @@ public:
 
     // Running.
 
-    /// Lets every evaluator pull its pins, in the order they were added. Failures are reported to the
-    /// host; nothing is thrown for a `std::exception`.
+    /// Lets every evaluator pull its pins, in the order they were added. Failures are reported to
+    /// the host; nothing is thrown for a `std::exception`.
     void run() override;
     /// The same machinery for one node, and for one pin.
     void runNode(NodeBase* node);
@@ -99,8 +99,8 @@ public:
     void setLastExecutionTime(double seconds) { lastExecutionTime_ = seconds; }
     RunOutcome lastOutcome() const { return outcome_; }
 
-    /// Thread-safe and async-signal-safe: ends the run in progress within 100 ms, or the next run at
-    /// its first pull, as a cancellation.
+    /// Thread-safe and async-signal-safe: ends the run in progress within 100 ms, or the next run
+    /// at its first pull, as a cancellation.
     void requestInterrupt() { scenePrivate_->networkManager.requestInterrupt(); }
     bool wasInterrupted() const { return outcome_ == RunOutcome::interrupted; }
     /// Full name of the innermost node that was running when the latest run was ended by an
@@ -203,7 +203,9 @@ public:
     GraphLayout& refXmlImportedLayout() { return xmlImportedLayout_; }
     void setXmlImportedLayout(const GraphLayout& layout) { xmlImportedLayout_ = layout; }
     /// From the full name that the file gave a node to the name it has.
-    const std::map<TM_String, TM_String>& getXmlToImportedName() const { return xmlToImportedName_; }
+    const std::map<TM_String, TM_String>& getXmlToImportedName() const {
+        return xmlToImportedName_;
+    }
     std::map<TM_String, TM_String>& refXmlToImportedName() { return xmlToImportedName_; }
     void setXmlToImportedName(const std::map<TM_String, TM_String>& names) {
         xmlToImportedName_ = names;

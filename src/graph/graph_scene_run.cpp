@@ -31,8 +31,8 @@ void SL_GraphScene::noteEnd(RunOutcome outcome) {
     }
 }
 
-// What ends a run. Anything that is no `std::exception` goes on to the caller, and the network goes on
-// evaluating.
+// What ends a run. Anything that is no `std::exception` goes on to the caller, and the network goes
+// on evaluating.
 template <typename Step>
 void SL_GraphScene::runGuarded(Step step) {
     auto& center = bridge::CCallbackCenter::Instance();

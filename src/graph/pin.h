@@ -20,9 +20,9 @@ using tidemark::graph::GraphNodeBase;
 using tidemark::graph::GraphNodePin;
 using tidemark::graph::PinFlags;
 
-/// A pin shares its attribute's id and does not own it; when the attribute is torn down first, the pin
-/// goes on without one and answers as a pin without value. Where "the value" is spoken of it is what a
-/// pass-through attribute forwards, and the attribute's own value otherwise.
+/// A pin shares its attribute's id and does not own it; when the attribute is torn down first, the
+/// pin goes on without one and answers as a pin without value. Where "the value" is spoken of it is
+/// what a pass-through attribute forwards, and the attribute's own value otherwise.
 ///
 /// Typed setters on a pin of another type do nothing; typed getters give 0, false or an empty text.
 class SLUICE_API Pin : public GraphNodePin {

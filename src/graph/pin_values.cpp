@@ -44,9 +44,7 @@ T Pin::getNumber() const {
 void Pin::setFloatValue(float value) {
     if (hasType(weft::typeReal)) setNumber(value);
 }
-float Pin::getFloatValue() const {
-    return hasType(weft::typeReal) ? getNumber<float>() : 0.0f;
-}
+float Pin::getFloatValue() const { return hasType(weft::typeReal) ? getNumber<float>() : 0.0f; }
 
 void Pin::setIntValue(int value) {
     if (getType() == weft::typeList) return setEnumValue(value);

@@ -171,7 +171,8 @@ void SceneManager::insertFactory_inMapCategoryToFactories(NodeFactory* factory) 
     }
 }
 
-// The descriptor may say something else by now than when the factory came: all entries are looked at.
+// The descriptor may say something else by now than when the factory came: all entries are looked
+// at.
 void SceneManager::removeFactory_fromMapCategoryToFactories(NodeFactory* factory) {
     for (auto* map : {&byCategory_, &byLongCategory_}) {
         for (auto entry = map->begin(); entry != map->end();) {

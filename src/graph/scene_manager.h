@@ -17,8 +17,8 @@ namespace tidemark::sluice::graph {
 
 using tidemark::graph::GraphSettings;
 
-/// Types, colours, settings and the callbacks by which the host follows evaluation. Made at the first
-/// call of `instance`, which the first scene makes, and never destroyed.
+/// Types, colours, settings and the callbacks by which the host follows evaluation. Made at the
+/// first call of `instance`, which the first scene makes, and never destroyed.
 class SLUICE_API SceneManager {
 public:
     using Factories = Array<NodeFactory*>;

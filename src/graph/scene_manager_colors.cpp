@@ -48,11 +48,16 @@ struct CategoryColor {
 };
 
 constexpr CategoryColor categoryColors[] = {
-    {"user", 0.85f, 0.85f, 0.85f},          {"execution", 0.69f, 0.875f, 0.737f},
-    {"compound", 0.88f, 0.572f, 0.829f},    {"geometry", 0.882f, 0.784f, 0.573f},
-    {"display", 0.882f, 0.639f, 0.573f},    {"math", 0.882f, 0.573f, 0.573f},
-    {"field", 0.88f, 0.685f, 0.572f},       {"scene", 0.839f, 0.88f, 0.572f},
-    {"constant", 0.88f, 0.572f, 0.816f},    {"conversion", 0.572f, 0.88f, 0.875f},
+    {"user", 0.85f, 0.85f, 0.85f},
+    {"execution", 0.69f, 0.875f, 0.737f},
+    {"compound", 0.88f, 0.572f, 0.829f},
+    {"geometry", 0.882f, 0.784f, 0.573f},
+    {"display", 0.882f, 0.639f, 0.573f},
+    {"math", 0.882f, 0.573f, 0.573f},
+    {"field", 0.88f, 0.685f, 0.572f},
+    {"scene", 0.839f, 0.88f, 0.572f},
+    {"constant", 0.88f, 0.572f, 0.816f},
+    {"conversion", 0.572f, 0.88f, 0.875f},
     {"import-export", 0.619f, 0.572f, 0.88f},
 };
 
@@ -89,8 +94,7 @@ bool isCompoundType(const TM_String& type) {
 void SceneManager::initializePinTypeToColors() {
     if (!pinTypeColors_.empty()) return;
     for (const TypeColor& entry : pinTypeColors) {
-        pinTypeColors_.set(entry.type,
-                           Color4<float>(entry.red, entry.green, entry.blue, 1.0f));
+        pinTypeColors_.set(entry.type, Color4<float>(entry.red, entry.green, entry.blue, 1.0f));
     }
     initializeHostClassColors();
 }
@@ -114,8 +118,8 @@ void SceneManager::initializeCategoryColors() {
 
 void SceneManager::deriveCategoryColors() {
     for (const CategoryOfType& entry : categoriesOfTypes) {
-        categoryColors_.set(entry.category, recolored(getColorForPinType(entry.type),
-                                                      nodeSaturation, nodeValue));
+        categoryColors_.set(entry.category,
+                            recolored(getColorForPinType(entry.type), nodeSaturation, nodeValue));
     }
 }
 

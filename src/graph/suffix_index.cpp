@@ -19,8 +19,8 @@ SuffixIndex::SuffixIndex(const Nodes& nodes) {
     for (const auto entry : nodes) ++countByLowerName_[text::toLower(entry.value->getName())];
 }
 
-// Calls `visit(entry)` for each base that `name` begins with; true as an answer drops the entry. Few
-// bases are tried one by one, of many only those that are beginnings of the name.
+// Calls `visit(entry)` for each base that `name` begins with; true as an answer drops the entry.
+// Few bases are tried one by one, of many only those that are beginnings of the name.
 template <typename Visit>
 void SuffixIndex::eachKnownBaseOf(const TM_String& name, Visit visit) {
     if (nextByBase_.size() <= name.size()) {

@@ -33,9 +33,12 @@ double hueOf(const Color& c) {
     const double range = high - std::min({c.r, c.g, c.b});
     if (range == 0.0) return 0.0;
     double sector = 0.0;
-    if (high == c.r) sector = std::fmod((c.g - c.b) / range + 6.0, 6.0);
-    else if (high == c.g) sector = (c.b - c.r) / range + 2.0;
-    else sector = (c.r - c.g) / range + 4.0;
+    if (high == c.r)
+        sector = std::fmod((c.g - c.b) / range + 6.0, 6.0);
+    else if (high == c.g)
+        sector = (c.b - c.r) / range + 2.0;
+    else
+        sector = (c.r - c.g) / range + 4.0;
     return sector * 60.0;
 }
 
@@ -91,11 +94,16 @@ struct CategoryColor {
 };
 
 const CategoryColor fixedCategories[] = {
-    {"user", {0.85f, 0.85f, 0.85f, 1}},       {"execution", {0.69f, 0.875f, 0.737f, 1}},
-    {"compound", {0.88f, 0.572f, 0.829f, 1}}, {"geometry", {0.882f, 0.784f, 0.573f, 1}},
-    {"display", {0.882f, 0.639f, 0.573f, 1}}, {"math", {0.882f, 0.573f, 0.573f, 1}},
-    {"field", {0.88f, 0.685f, 0.572f, 1}},    {"scene", {0.839f, 0.88f, 0.572f, 1}},
-    {"constant", {0.88f, 0.572f, 0.816f, 1}}, {"conversion", {0.572f, 0.88f, 0.875f, 1}},
+    {"user", {0.85f, 0.85f, 0.85f, 1}},
+    {"execution", {0.69f, 0.875f, 0.737f, 1}},
+    {"compound", {0.88f, 0.572f, 0.829f, 1}},
+    {"geometry", {0.882f, 0.784f, 0.573f, 1}},
+    {"display", {0.882f, 0.639f, 0.573f, 1}},
+    {"math", {0.882f, 0.573f, 0.573f, 1}},
+    {"field", {0.88f, 0.685f, 0.572f, 1}},
+    {"scene", {0.839f, 0.88f, 0.572f, 1}},
+    {"constant", {0.88f, 0.572f, 0.816f, 1}},
+    {"conversion", {0.572f, 0.88f, 0.875f, 1}},
     {"import-export", {0.619f, 0.572f, 0.88f, 1}},
 };
 
@@ -230,9 +238,9 @@ TEST(Colors, OfTheNodeTypes) {
         EXPECT_TRUE(scene.hasColorForNodeType(type)) << type;
         expectNear(scene.getColorFromNodeType(TM_String(type)), wanted, type);
     };
-    const std::pair<const char*, int> constants[] = {
-        {"Real", 3}, {"Integer", 1}, {"Integer64", 2}, {"Bit", 5},
-        {"String", 21}, {"Vector3", 13}, {"Color4", 9}};
+    const std::pair<const char*, int> constants[] = {{"Real", 3},  {"Integer", 1}, {"Integer64", 2},
+                                                     {"Bit", 5},   {"String", 21}, {"Vector3", 13},
+                                                     {"Color4", 9}};
     for (const auto& [type, number] : constants) {
         expectType(type, recolor(manager().getColorForPinType(number), 0.35, 0.88));
     }

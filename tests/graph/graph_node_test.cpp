@@ -226,7 +226,10 @@ TEST(GraphNode, MovingDoesNotChangeNames) {
 
 TEST(GraphNode, KindsAreTheTypesBusiness) {
     SceneBuilder build;
-    build.add("Compound", "C").add("CompoundInterface", "C.I").add("Evaluator", "E").add("Add", "A");
+    build.add("Compound", "C")
+        .add("CompoundInterface", "C.I")
+        .add("Evaluator", "E")
+        .add("Add", "A");
     EXPECT_TRUE(build.node("C")->isCompound());
     EXPECT_TRUE(build.node("C.I")->isInterface());
     EXPECT_TRUE(build.node("E")->isEvaluator());

@@ -59,8 +59,8 @@ void buildTwoAdds(SceneBuilder& build) {
     build.pin("I.in")->setIntValue(5);
 }
 
-constexpr const char* closureOfE[] = {"E.evaluate", "B.result",  "B.in0", "A.result", "A.in0",
-                                      "I.integer",  "I.in",      "A.in1", "B.in1"};
+constexpr const char* closureOfE[] = {"E.evaluate", "B.result", "B.in0", "A.result", "A.in0",
+                                      "I.integer",  "I.in",     "A.in1", "B.in1"};
 
 } // namespace
 
@@ -128,9 +128,8 @@ TEST_F(SceneRun, EvaluatorsRunInTheOrderTheyWereAdded) {
     source("P", [&] { log.push_back("P"); });
     source("Q", [&] { log.push_back("Q"); });
     build.node("EP")->addDynamicInputPin();
-    auto* third = build.probe("Probe", "R", [](LogicProbe& logic) {
-        logic.output<NumericAttribute>("out");
-    });
+    auto* third =
+        build.probe("Probe", "R", [](LogicProbe& logic) { logic.output<NumericAttribute>("out"); });
     third->logic().onUpdate = [&](weft::Attribute*) { log.push_back("R"); };
     build.connect("R.out", "EP.in");
     build.scene.run();
@@ -138,9 +137,8 @@ TEST_F(SceneRun, EvaluatorsRunInTheOrderTheyWereAdded) {
 }
 
 TEST_F(SceneRun, UnconnectedOutputsAreNotComputed) {
-    auto* node = build.probe("Probe", "P", [](LogicProbe& logic) {
-        logic.output<NumericAttribute>("out");
-    });
+    auto* node =
+        build.probe("Probe", "P", [](LogicProbe& logic) { logic.output<NumericAttribute>("out"); });
     build.add("Evaluator", "E");
     build.scene.run();
     EXPECT_EQ(node->logic().updates, 0);
@@ -237,18 +235,30 @@ struct Failure {
 };
 
 const Failure failures[] = {
-    {"loud exception", [] { throw Exception("it broke", 1); }, {"2262|it broke"},
+    {"loud exception",
+     [] { throw Exception("it broke", 1); },
+     {"2262|it broke"},
      RunOutcome::exception},
-    {"generic exception", [] { throw GenericGraphException("it broke", criticalExceptionCode); },
-     {"2262|it broke"}, RunOutcome::exception},
-    {"quiet cancel", [] { throw CancelGraphException("hush", cancelExceptionCode, true); }, {},
+    {"generic exception",
+     [] { throw GenericGraphException("it broke", criticalExceptionCode); },
+     {"2262|it broke"},
+     RunOutcome::exception},
+    {"quiet cancel",
+     [] { throw CancelGraphException("hush", cancelExceptionCode, true); },
+     {},
      RunOutcome::quietCancel},
-    {"cancel by call", [] { interruptGlobalGraph(); }, {"2262|Graph execution cancelled"},
+    {"cancel by call",
+     [] { interruptGlobalGraph(); },
+     {"2262|Graph execution cancelled"},
      RunOutcome::exception},
     {"no memory", [] { throw std::bad_alloc(); }, {"2083"}, RunOutcome::outOfMemory},
-    {"standard exception", [] { throw std::runtime_error("oh"); }, {"2286|oh"},
+    {"standard exception",
+     [] { throw std::runtime_error("oh"); },
+     {"2286|oh"},
      RunOutcome::exception},
-    {"exception of the base", [] { throw TM_Exception("base", 5); }, {"2286|base"},
+    {"exception of the base",
+     [] { throw TM_Exception("base", 5); },
+     {"2286|base"},
      RunOutcome::exception},
 };
 
@@ -297,16 +307,15 @@ TEST_F(SceneRun, AfterAFailureTheNextRunIsAsTheFirst) {
 
 TEST_F(SceneRun, ACriticalMessageNamesItsNode) {
     build.add("Compound", "C");
-    auto* inner = build.probe("Probe", "C.P", [](LogicProbe& logic) {
-        logic.output<NumericAttribute>("out");
-    });
+    auto* inner = build.probe("Probe", "C.P",
+                              [](LogicProbe& logic) { logic.output<NumericAttribute>("out"); });
     inner->logic().onUpdate = [&](weft::Attribute*) {
         inner->logic().pushCritical("cannot go on", "no way");
     };
     build.add("Evaluator", "E").connect("C.P.out", "E.evaluate");
     build.scene.run();
-    EXPECT_EQ(host.posts, (Names{"2286|[P] cannot go on - no way",
-                                 "2262|[root.C.P] cannot go on - no way"}));
+    EXPECT_EQ(host.posts,
+              (Names{"2286|[P] cannot go on - no way", "2262|[root.C.P] cannot go on - no way"}));
     EXPECT_EQ(build.messages("C.P"), (Names{"1 cannot go on - no way"}));
     EXPECT_EQ(build.scene.interruptedNodeName(), "root.C.P");
 }
@@ -341,8 +350,8 @@ TEST_F(SceneRun, CancelNodesEndTheRunLoudlyOrQuietly) {
     build.pin("C.cancel")->setBitValue(true);
     build.scene.run();
     EXPECT_EQ(build.scene.lastOutcome(), RunOutcome::exception);
-    EXPECT_EQ(host.posts, (Names{"2286|[C] Execution cancelled by node",
-                                 "2262|Graph execution cancelled"}));
+    EXPECT_EQ(host.posts,
+              (Names{"2286|[C] Execution cancelled by node", "2262|Graph execution cancelled"}));
     host.posts.clear();
     build.pin("C.quiet")->setBitValue(true);
     build.scene.run();
@@ -521,8 +530,8 @@ TEST_F(SceneRun, AChainOfTenThousandNodesRuns) {
     build.pin("I.in")->setIntValue(7);
     Pin* end = build.pin("I.integer");
     for (int i = 0; i < 10000; ++i) {
-        auto* node = static_cast<Node*>(
-            SceneBuilder::manager().getNodeFactoryFromType("Add")->createNode());
+        auto* node =
+            static_cast<Node*>(SceneBuilder::manager().getNodeFactoryFromType("Add")->createNode());
         build.enter(node, "A" + std::to_string(i));
         ASSERT_NE(build.scene.connect(end, node->getArrInputPin()[0], false), nullptr);
         end = node->getArrOutputPin()[0];

@@ -289,10 +289,10 @@ TEST(Scene, RefusedConnectionsLeaveNothingBehind) {
     SceneBuilder build;
     build.add("Real", "R").add("String", "S").add("Add", "A").connect("R.real", "A.in0");
     SceneLog log;
-    EXPECT_EQ(build.link("S.out", "A.in1"), nullptr);      // types
-    EXPECT_EQ(build.link("R.real", "A.in0"), nullptr);        // full
-    EXPECT_EQ(build.link("A.result", "A.in1"), nullptr);      // own node
-    EXPECT_EQ(build.link("A.in1", "R.in"), nullptr);          // direction
+    EXPECT_EQ(build.link("S.out", "A.in1"), nullptr);    // types
+    EXPECT_EQ(build.link("R.real", "A.in0"), nullptr);   // full
+    EXPECT_EQ(build.link("A.result", "A.in1"), nullptr); // own node
+    EXPECT_EQ(build.link("A.in1", "R.in"), nullptr);     // direction
     EXPECT_EQ(build.scene.connect(nullptr, build.pin("A.in1"), false), nullptr);
     EXPECT_EQ(build.scene.connect(build.pin("R.real"), nullptr, false), nullptr);
     EXPECT_EQ(log.take(), Names{});
@@ -394,7 +394,8 @@ TEST(Scene, FurtherInterfacePinsHaveFreeNames) {
     GraphNodePin* inner = nullptr;
     GraphNodePin* outer = nullptr;
     for (const char* node : {"C.I", "C.J", "C.I"}) {
-        build.scene.addCompoundInterfacePin(GraphNodePin::inputFlag, build.node(node), inner, outer);
+        build.scene.addCompoundInterfacePin(GraphNodePin::inputFlag, build.node(node), inner,
+                                            outer);
         EXPECT_EQ(inner->getName(), outer->getName());
     }
     EXPECT_EQ(SceneBuilder::namesOf(build.node("C")->getArrInputPin()),
@@ -405,7 +406,8 @@ TEST(Scene, InterfacePinsNeedACompound) {
     SceneBuilder build;
     GraphNodePin* inner = nullptr;
     GraphNodePin* outer = nullptr;
-    EXPECT_TRUE(build.scene.addCompoundInterfacePin(GraphNodePin::inputFlag, nullptr, inner, outer));
+    EXPECT_TRUE(
+        build.scene.addCompoundInterfacePin(GraphNodePin::inputFlag, nullptr, inner, outer));
     EXPECT_TRUE(!inner && !outer);
     Node* alone = newNode("CompoundInterface");
     build.scene.addNodeToGraph(alone);
@@ -752,7 +754,8 @@ TEST(Scene, PlainPinsAreNoTrap) {
     SceneBuilder build;
     build.add("Real", "R").add("Add", "A");
     GraphNodePin* in = build.scene.createNewPin(build.node("A"), GraphNodePin::inputFlag, "plain");
-    GraphNodePin* out = build.scene.createNewPin(build.node("R"), GraphNodePin::outputFlag, "plain");
+    GraphNodePin* out =
+        build.scene.createNewPin(build.node("R"), GraphNodePin::outputFlag, "plain");
     EXPECT_EQ(build.node("A")->getInputPinPtrByName("plain"), nullptr);
     EXPECT_EQ(build.node("R")->getOutputPinPtrByName("plain"), nullptr);
     EXPECT_EQ(build.scene.getPinFloatValue("root.A.plain"), 0.0f);

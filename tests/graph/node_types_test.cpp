@@ -169,14 +169,26 @@ TEST(NodeTypes, FortyTwoTypesHaveASecondCategory) {
 }
 
 TEST(NodeTypes, UnregisteredClassesAreNotInTheList) {
-    for (const char* type :
-         {"Root", "ArrayParticlesConcat", "ArrayParticlesConstant", "ArrayParticlesFilterByMask",
-          "ArrayParticlesFindAllElementIndices", "ArrayParticlesFindElement",
-          "ArrayParticlesInsertElement", "ArrayParticlesMix", "ArrayParticlesPushElement",
-          "ArrayParticlesRemoveElement", "ArrayParticlesRemoveIndex",
-          "ArrayParticlesRemoveRepeatedElements", "ArrayParticlesResize", "ArrayParticlesReverse",
-          "ArrayParticlesSlice", "GetArrayParticlesElement", "SetArrayParticlesElement",
-          "GetParticlesGlobalVariable", "SetParticlesGlobalVariable", "ParticlesCopy"}) {
+    for (const char* type : {"Root",
+                             "ArrayParticlesConcat",
+                             "ArrayParticlesConstant",
+                             "ArrayParticlesFilterByMask",
+                             "ArrayParticlesFindAllElementIndices",
+                             "ArrayParticlesFindElement",
+                             "ArrayParticlesInsertElement",
+                             "ArrayParticlesMix",
+                             "ArrayParticlesPushElement",
+                             "ArrayParticlesRemoveElement",
+                             "ArrayParticlesRemoveIndex",
+                             "ArrayParticlesRemoveRepeatedElements",
+                             "ArrayParticlesResize",
+                             "ArrayParticlesReverse",
+                             "ArrayParticlesSlice",
+                             "GetArrayParticlesElement",
+                             "SetArrayParticlesElement",
+                             "GetParticlesGlobalVariable",
+                             "SetParticlesGlobalVariable",
+                             "ParticlesCopy"}) {
         EXPECT_EQ(rowOf(type), nullptr) << type;
         EXPECT_EQ(SceneBuilder::manager().getNodeFactoryFromType(type), nullptr) << type;
     }

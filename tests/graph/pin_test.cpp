@@ -294,9 +294,8 @@ TEST_F(PinTest, StateIsTheAttributes) {
 
 TEST_F(PinTest, IsUpdatingWhileItsNodeComputesIt) {
     bool during = false;
-    auto* probe = build.probe("Probe", "P", [](LogicProbe& logic) {
-        logic.output<NumericAttribute>("out");
-    });
+    auto* probe =
+        build.probe("Probe", "P", [](LogicProbe& logic) { logic.output<NumericAttribute>("out"); });
     build.add("Evaluator", "E").connect("P.out", "E.evaluate");
     const Pin* pin = build.pin("P.out");
     probe->logic().onUpdate = [&](weft::Attribute*) { during = pin->isUpdating(); };
@@ -466,7 +465,7 @@ TEST_F(PinTest, RefusesWhatTheNetworkRefuses) {
     build.add("Real", "R").add("String", "S").add("Add", "A").add("Add", "B");
     build.connect("A.result", "B.in0");
     EXPECT_FALSE(build.pin("A.in0")->allowsConnectionFrom(build.pin("B.result"))); // cycle
-    EXPECT_FALSE(build.pin("S.in")->allowsConnectionFrom(build.pin("R.real")));   // types
+    EXPECT_FALSE(build.pin("S.in")->allowsConnectionFrom(build.pin("R.real")));    // types
     EXPECT_TRUE(build.messages("R").empty());
     EXPECT_TRUE(build.messages("B").empty());
 }
@@ -479,9 +478,8 @@ TEST_F(PinTest, RefusesAPinOfAnotherScene) {
 }
 
 TEST_F(PinTest, UpdateComputesCleanOrNot) {
-    auto* probe = build.probe("Probe", "P", [](LogicProbe& logic) {
-        logic.output<NumericAttribute>("out");
-    });
+    auto* probe =
+        build.probe("Probe", "P", [](LogicProbe& logic) { logic.output<NumericAttribute>("out"); });
     build.at("P.out")->setClean(true);
     build.pin("P.out")->update();
     EXPECT_EQ(probe->logic().updates, 1);
@@ -504,9 +502,8 @@ TEST_F(PinTest, UpstreamPinsBeginWithThePinAndAreAppended) {
 }
 
 TEST_F(PinTest, UpstreamAttributesWithoutPinAreLeftOut) {
-    auto* probe = build.probe("Probe", "P", [](LogicProbe& logic) {
-        logic.output<NumericAttribute>("out");
-    });
+    auto* probe =
+        build.probe("Probe", "P", [](LogicProbe& logic) { logic.output<NumericAttribute>("out"); });
     auto* hidden = probe->logic().input<NumericAttribute>("hidden"); // after the pins were made
     probe->logic().setAttributeAffectPublic(hidden, build.at("P.out"));
     ArrayOfPtr<Pin> pins;

@@ -250,7 +250,8 @@ TEST_F(PinValues, BitIsOneElement) {
 }
 
 TEST_F(PinValues, StringsAreTheValuesText) {
-    for (Pin* pin : {input<StringAttribute>(), input<FilePathAttribute>(), input<FolderAttribute>()}) {
+    for (Pin* pin :
+         {input<StringAttribute>(), input<FilePathAttribute>(), input<FolderAttribute>()}) {
         EXPECT_TRUE(dirties(pin, [&] { pin->setStringValue(" a b "); }));
         EXPECT_EQ(pin->getStringValue(), " a b ");
     }
@@ -393,7 +394,8 @@ TEST_F(PinValues, TextFormOfEveryType) {
     pin = list();
     pin->setEnumValue("left");
     EXPECT_EQ(pin->getValueAsString(false), "2 : left");
-    for (Pin* text : {input<StringAttribute>(), input<FilePathAttribute>(), input<FolderAttribute>()}) {
+    for (Pin* text :
+         {input<StringAttribute>(), input<FilePathAttribute>(), input<FolderAttribute>()}) {
         text->setStringValue("some text");
         EXPECT_EQ(text->getValueAsString(false), "some text");
     }

@@ -173,7 +173,8 @@ TEST(NodeFactory, CutsTheMainCategoryAtItsFirstPoint) {
     const NodeDescriptor& descriptor = factory.getDescriptor();
     EXPECT_EQ(descriptor.getTypeName(), "Test");
     EXPECT_EQ(descriptor.getCategoryName(), "Geometry");
-    EXPECT_EQ(descriptor.getAllowedCategories(), (Array<TM_String>{"Geometry.Array.Mesh", "Field"}));
+    EXPECT_EQ(descriptor.getAllowedCategories(),
+              (Array<TM_String>{"Geometry.Array.Mesh", "Field"}));
     EXPECT_TRUE(descriptor.getBuiltIn());
     const std::unique_ptr<NodeBase> node(factory.createNode());
     EXPECT_EQ(node->getName(), "Test");
@@ -305,7 +306,9 @@ TEST(SceneManager, TellsTheHostOfUpdatesAndCleanStates) {
     SceneBuilder build;
     build.add("Real", "R").add("Evaluator", "E").connect("R.real", "E.evaluate");
     heard.clear();
-    SceneManager::node_updateCallback_ = [](const TM_String& name) { heard.push_back("u " + name); };
+    SceneManager::node_updateCallback_ = [](const TM_String& name) {
+        heard.push_back("u " + name);
+    };
     build.scene.run();
     EXPECT_EQ(heard, (Names{"u R", "u E"})); // in the order they finish
     heard.clear();

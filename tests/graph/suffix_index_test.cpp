@@ -70,7 +70,8 @@ private:
 
 TEST(SuffixIndex, AnswersOneAboveTheHighest) {
     NamedNodes names;
-    for (const char* name : {"Add", "Add_01", "Add_07", "Add-12", "Add_x", "Addition_99", "Add_7x"}) {
+    for (const char* name :
+         {"Add", "Add_01", "Add_07", "Add-12", "Add_x", "Addition_99", "Add_7x"}) {
         names.add(name);
     }
     EXPECT_EQ(names.index.nextNumber("Add", names.table), 13);
