@@ -14,6 +14,13 @@
 
 namespace weft {
 
+namespace {
+
+// Times of single computations are kept in units of two to this power, to fit 32 bits.
+constexpr int kiloTicks = 10;
+
+} // namespace
+
 HelpText::~HelpText() {
     if (isOwned_) delete[] data_;
 }
@@ -59,7 +66,7 @@ uint64_t Attribute::checkSum() const { return value_ ? value_->checkSum() : 0; }
 TM_String Attribute::asScript() const { return name() + " " + className(); }
 
 TM_String Attribute::debugInfo() const {
-    const double seconds = Timer::seconds(lastCleanTicks_);
+    const double seconds = Timer::seconds(Timer::Ticks(lastCleanKiloTicks_) << kiloTicks);
     TM_String text = "attribute: " + fullName() + "\n";
     text += TM_String("isClean: ") + (isClean_ ? "1" : "0") + "\n";
     text += tidemark::text::format("last cleaning took: secs:%d, millisecs: %d\n",
@@ -83,7 +90,7 @@ TM_String Attribute::debugInfo() const {
 }
 
 TM_String Attribute::allowedSpecializationsText() const {
-    if (!typeDescription_.empty()) return typeDescription_.get();
+    if (!rare_.get().typeDescription.empty()) return rare_.get().typeDescription;
     TM_String text;
     for (const TM_String& name : allowed_.names()) {
         if (!text.empty()) text += ", ";
@@ -227,8 +234,8 @@ Timer::Ticks Attribute::computeTimed(NetworkManager& manager, Timer::Ticks time)
     const Timer::Ticks begin = time;
     if (node && node->updateEnabled_) time = node->updateTimed(this, time);
     isClean_ = true;
-    lastCleanTicks_ = time - begin;
-    accumulatedTicks_ += lastCleanTicks_;
+    lastCleanKiloTicks_ = static_cast<uint32_t>((time - begin) >> kiloTicks);
+    accumulatedTicks_ += time - begin;
     manager.fireClean(this);
     return time;
 }
@@ -454,13 +461,13 @@ void Attribute::setAllowedSpecializations(const SpecializationList& list) {
 
 void Attribute::setSpecializationOverride(const TM_String& name) {
     noteTypeChange();
-    override_ = SpecializationList::single(name);
-    applySpecializations(override_);
+    rare_.ref().chosenType = SpecializationList::single(name);
+    applySpecializations(SpecializationList::single(name));
 }
 
 void Attribute::clearSpecializationOverride() {
     noteTypeChange();
-    override_ = SpecializationList();
+    if (rare_.isUsed()) rare_.ref().chosenType = SpecializationList();
 }
 
 void Attribute::applySpecializations(const SpecializationList& list) {

@@ -11,6 +11,7 @@
 
 #include <memory>
 
+#include "core/lazy.h"
 #include "core/nested_object.h"
 #include "core/specialization.h"
 #include "core/timer.h"
@@ -77,9 +78,11 @@ public:
     /// The types as a user reads them: `typeDescription` when set, else the allowed names in double
     /// quotes, separated by a comma and a blank.
     virtual TM_String allowedSpecializationsText() const;
-    virtual TM_String getTypeDescription() const { return typeDescription_.get(); }
+    virtual TM_String getTypeDescription() const { return rare_.get().typeDescription; }
     virtual void setDescription(const TM_String& text) { description_.set(text); }
-    virtual void setTypeDescription(const TM_String& text) { typeDescription_.set(text); }
+    virtual void setTypeDescription(const TM_String& text) {
+        rare_.ref().typeDescription = text;
+    }
 
     /// As `setDescription`, for literals: nothing is copied.
     void describe(const char* literal) { description_.setLiteral(literal); }
@@ -146,7 +149,9 @@ public:
     /// What it may be now; one entry means specialized.
     const SpecializationList& specializations() const { return specializations_; }
     /// Normally empty; the one name chosen by the user.
-    const SpecializationList& specializationOverride() const { return override_; }
+    const SpecializationList& specializationOverride() const {
+        return rare_.get().chosenType;
+    }
     bool isSpecialized() const { return specializations_.size() == 1; }
     /// The only current specialization, or empty.
     TM_String specialization() const { return isSpecialized() ? specializations_[0] : TM_String(); }
@@ -219,6 +224,11 @@ private:
         uint32_t epoch;
         Array<Attribute*> chain;
     };
+    struct Rare {
+        SpecializationList chosenType; // the override; empty without one
+        TM_String typeDescription;
+        std::unique_ptr<ChainCache> chainCache;
+    };
 
     void pullDirty();
     void cleanPlain(NetworkManager& manager);
@@ -253,6 +263,7 @@ private:
     uint32_t walkedEpoch_ = 0; // topology epoch of the last walk that began here
     uint32_t chainEpoch_;      // topology that the chain shows; `NetworkManager::liveEpoch`: today's
     uint32_t scratch_ = 0;     // index in the group that a solver works on
+    uint32_t lastCleanKiloTicks_ = 0; // of 1,024 ticks
     SmallList<Attribute*> destinations_;
     SmallList<Attribute*> affects_;
     SmallList<Attribute*> affectedBy_;
@@ -261,14 +272,11 @@ private:
     SmallList<SpecializationLink> links_;
     SmallList<Edge> successors_;
     SmallList<Edge> predecessors_;
-    std::unique_ptr<ChainCache> chainCache_;
     SpecializationList allowed_;
     SpecializationList specializations_;
-    SpecializationList override_;
     Timer::Ticks accumulatedTicks_ = 0;
-    Timer::Ticks lastCleanTicks_ = 0;
     HelpText description_;
-    HelpText typeDescription_;
+    tidemark::Lazy<Rare> rare_;
 };
 
 /// A port without value and type of its own: it shows what its source shows.

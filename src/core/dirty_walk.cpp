@@ -190,9 +190,10 @@ void NetworkManager::walkDirty(Attribute* attribute, bool force) {
 }
 
 void NetworkManager::forgetChain(Attribute* attribute) {
-    if (!attribute->chainCache_) return;
-    keptChainBytes_ -= uint64_t(attribute->chainCache_->chain.capacity()) * sizeof(Attribute*);
-    attribute->chainCache_.reset();
+    if (!attribute->rare_.get().chainCache) return;
+    std::unique_ptr<Attribute::ChainCache>& kept = attribute->rare_.ref().chainCache;
+    keptChainBytes_ -= uint64_t(kept->chain.capacity()) * sizeof(Attribute*);
+    kept.reset();
 }
 
 // A chain is worth keeping from its second walk under one topology on.
@@ -207,16 +208,16 @@ bool NetworkManager::keepChain(Attribute* attribute) {
     kept->epoch = topologyEpoch_;
     collectChain(*attribute, kept->chain);
     keptChainBytes_ += uint64_t(kept->chain.capacity()) * sizeof(Attribute*);
-    attribute->chainCache_ = std::move(kept);
+    attribute->rare_.ref().chainCache = std::move(kept);
     return true;
 }
 
 void NetworkManager::markChain(Attribute* attribute) {
     const uint32_t epoch = shownEpoch(*attribute);
     if (epoch == liveEpoch) {
-        const auto& kept = attribute->chainCache_;
+        const auto& kept = attribute->rare_.get().chainCache;
         if ((kept && kept->epoch == topologyEpoch_) || keepChain(attribute)) {
-            for (Attribute* entry : attribute->chainCache_->chain) entry->isClean_ = false;
+            for (Attribute* entry : attribute->rare_.get().chainCache->chain) entry->isClean_ = false;
             return;
         }
     }

@@ -47,7 +47,6 @@ TM_String nameOf(const TM_String& stem, uint64_t number) {
 }
 
 const TM_String noPreset = "none";
-const TM_String noText;
 
 template <typename T>
 void fill(const SmallList<T>& list, Array<T>& out) {
@@ -240,7 +239,7 @@ void Node::addOutputAttribute(Attribute* attribute) {
 
 void Node::removeAttribute(Attribute* attribute) {
     const bool wasListed = inputs_.remove(attribute) || outputs_.remove(attribute);
-    dynamicAttributes_.remove(attribute);
+    if (rare_.isUsed()) rare_.ref().dynamicAttributes.remove(attribute);
     if (attribute->parent() == this) attribute->setParent(nullptr);
     if (!wasListed) return;
     attribute->isListed_ = false;
@@ -308,7 +307,9 @@ Attribute* Node::findAttribute(std::string_view name) const {
 
 void Node::inputAttributes(Array<Attribute*>& out) const { fill(inputs_, out); }
 void Node::outputAttributes(Array<Attribute*>& out) const { fill(outputs_, out); }
-void Node::dynamicAttributes(Array<Attribute*>& out) const { fill(dynamicAttributes_, out); }
+void Node::dynamicAttributes(Array<Attribute*>& out) const {
+    fill(refDynamicAttributes(), out);
+}
 void Node::nodes(Array<Node*>& out) const { fill(nodes_, out); }
 
 void Node::attributes(Array<Attribute*>& out) const {
@@ -319,7 +320,8 @@ void Node::attributes(Array<Attribute*>& out) const {
 void Node::addDynamicAttribute(Attribute* attribute) {
     if (!allowDynamicAttributes_) return;
     if (attribute->parent() != this || !attribute->isListed_) return;
-    if (!dynamicAttributes_.contains(attribute)) dynamicAttributes_.append(attribute);
+    SmallList<Attribute*>& list = rare_.ref().dynamicAttributes;
+    if (!list.contains(attribute)) list.append(attribute);
 }
 
 // Declaration.
@@ -436,26 +438,23 @@ bool Node::checkSpecialization(const Attribute* attribute) {
 
 void Node::setSpecializationPreset(const TM_String& preset, const Attribute* attribute,
                                    const TM_String& specialization) {
-    if (!presets_) presets_ = std::make_unique<Presets>();
-    (*presets_)[preset][attribute->id()] = specialization;
+    rare_.ref().presets[preset][attribute->id()] = specialization;
 }
 
 const TM_String& Node::enabledSpecializationPreset() const {
-    return enabledPreset_ ? *enabledPreset_ : noPreset;
+    return rare_.get().enabledPreset;
 }
 
 void Node::specializationPresets(Array<TM_String>& out) const {
     out.clear();
-    if (presets_) {
-        for (const auto& [name, choices] : *presets_) out.append(name);
-    }
+    for (const auto& [name, choices] : rare_.get().presets) out.append(name);
     out.append(noPreset);
 }
 
 void Node::enableSpecializationPreset(const TM_String& name) {
-    const bool isPreset = presets_ && presets_->count(name) > 0;
+    const bool isPreset = rare_.get().presets.count(name) > 0;
     if (name != noPreset && (!isPreset || name == enabledSpecializationPreset())) return;
-    enabledPreset_ = std::make_unique<TM_String>(name);
+    rare_.ref().enabledPreset = name;
     Array<Attribute*> all;
     attributes(all);
     for (Attribute* attribute : all) {
@@ -464,7 +463,7 @@ void Node::enableSpecializationPreset(const TM_String& name) {
             attribute->applySpecializations(attribute->allowedSpecializations());
             continue;
         }
-        const auto& choices = presets_->at(name);
+        const auto& choices = rare_.get().presets.at(name);
         const auto choice = choices.find(attribute->id());
         if (choice != choices.end()) attribute->setSpecializationOverride(choice->second);
     }
@@ -483,11 +482,11 @@ int Node::getNumberOfThreadsToUse() const {
 
 void Node::setIsInvalid(bool invalid, const TM_String& text) {
     isInvalid_ = invalid;
-    invalidityMessage_ = text.empty() ? nullptr : std::make_unique<TM_String>(text);
+    if (rare_.isUsed() || !text.empty()) rare_.ref().invalidityMessage = text;
 }
 
 const TM_String& Node::invalidityMessage() const {
-    return invalidityMessage_ ? *invalidityMessage_ : noText;
+    return rare_.get().invalidityMessage;
 }
 
 // Teardown.

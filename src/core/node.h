@@ -90,7 +90,9 @@ public:
     Attribute* outputAttributeAt(uint32_t index) const { return outputs_[index]; }
     const SmallList<Attribute*>& refInputAttributes() const { return inputs_; }
     const SmallList<Attribute*>& refOutputAttributes() const { return outputs_; }
-    const SmallList<Attribute*>& refDynamicAttributes() const { return dynamicAttributes_; }
+    const SmallList<Attribute*>& refDynamicAttributes() const {
+        return rare_.get().dynamicAttributes;
+    }
     const SmallList<Node*>& refNodes() const { return nodes_; }
     void inputAttributes(Array<Attribute*>& out) const;
     void outputAttributes(Array<Attribute*>& out) const;
@@ -248,6 +250,12 @@ private:
 
     using Presets = std::map<TM_String, std::map<int32_t, TM_String>>;
     struct ChildNames;
+    struct Rare {
+        SmallList<Attribute*> dynamicAttributes;
+        Presets presets;
+        TM_String enabledPreset = "none";
+        TM_String invalidityMessage;
+    };
 
     bool addAttribute(Attribute* attribute, bool isInput);
     void connectionChanged(Attribute* attribute);
@@ -273,12 +281,9 @@ private:
     Timer::Ticks lastUpdateTicks_ = 0;
     SmallList<Attribute*> outputs_;
     SmallList<Attribute*> inputs_;
-    SmallList<Attribute*> dynamicAttributes_;
     SmallList<Node*> nodes_;
     SmallList<NestedObject*> children_;
-    std::unique_ptr<Presets> presets_;
-    std::unique_ptr<TM_String> enabledPreset_; // null: "none"
-    std::unique_ptr<TM_String> invalidityMessage_;
+    tidemark::Lazy<Rare> rare_;
     mutable std::unique_ptr<ChildNames> childNames_;
     HelpText description_;
     tidemark::graph::MessageHandler messages_{3};

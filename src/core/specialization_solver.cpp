@@ -87,7 +87,8 @@ bool SpecializationSolver::gather(Attribute* start, uint32_t limit) {
 void SpecializationSolver::seedFromAllowed() {
     for (Entry& entry : entries_) {
         const Attribute& a = *entry.attribute;
-        entry.list = a.override_.empty() ? a.allowed_ : a.override_;
+        const SpecializationList& chosen = a.specializationOverride();
+        entry.list = chosen.empty() ? a.allowed_ : chosen;
     }
 }
 

@@ -54,20 +54,24 @@ public:
     Pin* getOutputPinPtrByName(const TM_String& name) const;
 
     /// Pin names read from a file, used once after the node's children are read.
-    const Array<TM_String>& getInputPinsOrder() const { return inputPinsOrder_; }
-    Array<TM_String>& refInputPinsOrder() { return inputPinsOrder_; }
-    void setInputPinsOrder(const Array<TM_String>& names) { inputPinsOrder_ = names; }
-    const Array<TM_String>& getOutputPinsOrder() const { return outputPinsOrder_; }
-    Array<TM_String>& refOutputPinsOrder() { return outputPinsOrder_; }
-    void setOutputPinsOrder(const Array<TM_String>& names) { outputPinsOrder_ = names; }
+    const Array<TM_String>& getInputPinsOrder() const { return order_.get().inputs; }
+    Array<TM_String>& refInputPinsOrder() { return order_.ref().inputs; }
+    void setInputPinsOrder(const Array<TM_String>& names) { order_.ref().inputs = names; }
+    const Array<TM_String>& getOutputPinsOrder() const { return order_.get().outputs; }
+    Array<TM_String>& refOutputPinsOrder() { return order_.ref().outputs; }
+    void forgetPinsOrder() { order_.reset(); }
+    void setOutputPinsOrder(const Array<TM_String>& names) { order_.ref().outputs = names; }
 
 protected:
     Array<Pin*> arrInputPin_;
     Array<Pin*> arrOutputPin_;
 
 private:
-    Array<TM_String> inputPinsOrder_;
-    Array<TM_String> outputPinsOrder_;
+    struct PinsOrder {
+        Array<TM_String> inputs;
+        Array<TM_String> outputs;
+    };
+    Lazy<PinsOrder> order_;
 };
 
 /// Base of every node class.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/attribute.h"
+#include "core/lazy.h"
 #include "core/types.h"
 #include "graph/base/graph_node_pin.h"
 #include "graph/property_tree_fwd.h"
@@ -149,9 +150,13 @@ public:
     bool read_fromBoostPropertyTree(const PropertyTree& tree);
     void writeInternalConnections_toBoostPropertyTree(PropertyTree& tree) const;
     void readInternalConnections_fromBoostPropertyTree(const PropertyTree& tree);
-    const Array<TM_String>& getInternalConnectionsFromImport() const { return imported_; }
-    Array<TM_String>& refInternalConnectionsFromImport() { return imported_; }
-    void setInternalConnectionsFromImport(const Array<TM_String>& names) { imported_ = names; }
+    const Array<TM_String>& getInternalConnectionsFromImport() const {
+        return imported_.get();
+    }
+    Array<TM_String>& refInternalConnectionsFromImport() { return imported_.ref(); }
+    void setInternalConnectionsFromImport(const Array<TM_String>& names) {
+        imported_.ref() = names;
+    }
 
 private:
     // Keeps the attribute's memory, so that its end can be seen, without keeping it alive.
@@ -187,7 +192,7 @@ private:
     TM_String passThroughValueAsString(bool multiLine) const;
 
     SeenAttribute attribute_;
-    Array<TM_String> imported_;
+    Lazy<Array<TM_String>> imported_;
 };
 
 } // namespace tidemark::sluice::graph

@@ -189,11 +189,11 @@ void Pin::writeInternalConnections_toBoostPropertyTree(PropertyTree& tree) const
 
 void Pin::readInternalConnections_fromBoostPropertyTree(const PropertyTree& tree) {
     if (!isInput()) return;
-    imported_.clear();
+    imported_.reset();
     const PropertyTree* list = tree::child(tree, "internal-connections");
     if (!list) return;
     tree::forEach(*list, "output",
-                  [&](const PropertyTree& output) { imported_.append(tree::text(output)); });
+                  [&](const PropertyTree& output) { imported_.ref().append(tree::text(output)); });
 }
 
 } // namespace tidemark::sluice::graph

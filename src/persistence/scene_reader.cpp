@@ -91,8 +91,7 @@ NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type,
     scene_.addNodeToGraph(node);
     node->setNodeOwner(parent ? parent : scene_.getRootNode());
     node->setName(tree::childText(tree, "name"));
-    node->refInputPinsOrder().clear();
-    node->refOutputPinsOrder().clear();
+    node->forgetPinsOrder();
     node->readInputs_fromBoostPropertyTree(tree);
     node->readOutputs_fromBoostPropertyTree(tree);
     node->setAutoAffects();
