@@ -236,10 +236,8 @@ void checkCommand(const CLI::App& app, int argc, char** argv) {
             if (!isOption) known.append(words.name);
         }
         if (isOption) known = {"--help", "--version", "--no-color"};
-        const TM_String nearest = text::nearest(word, known);
-        throw UsageError(
-            std::string("unknown ") + (isOption ? "option" : "command") + " \"" + word + "\"" +
-            (nearest.empty() ? "; see sluice --help" : " (did you mean \"" + nearest + "\"?)"));
+        throw UsageError(std::string("unknown ") + (isOption ? "option" : "command") + " \"" +
+                         word + "\"" + didYouMean(word, known));
     }
 }
 

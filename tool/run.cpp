@@ -303,7 +303,7 @@ std::size_t Run::count(bool evaluatorsOnly) const {
     if (evaluatorsOnly) {
         for (const NodeBase* node : graph_.scene.getArrUpdateNodes()) sum += node->isEvaluator();
     } else {
-        sum = nodesInTreeOrder(graph_.scene).size();
+        sum = graph_.scene.nodesById().size();
     }
     return sum - (pulls_.evaluator() ? 1 : 0);
 }

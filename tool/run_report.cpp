@@ -35,6 +35,7 @@ void clearMessages(SL_GraphScene& scene) {
 }
 
 void keepMessagesUpTo(SL_GraphScene& scene, int level) {
+    if (level <= tidemark::graph::messageLevelWarning) return; // kept by every node from the start
     const auto raise = [level](MessageHandler& handler) {
         handler.setVerbosityLevel(std::max(handler.verbosityLevel(), level));
     };

@@ -420,7 +420,10 @@ bool Node::connectInternalAttributes(Attribute* in, Attribute* out) {
 }
 
 void Node::connectionChanged(Attribute* attribute) {
+    const LifeWatch self(this);
+    const LifeWatch changed(attribute);
     attributeConnectionChanged(attribute);
+    if (self.isGone() || changed.isGone()) return;
     if (Callbacks::_connectionChangedCallback && networkManager()->monitoring() && !isDeleted()) {
         Callbacks::_connectionChangedCallback(this, attribute);
     }

@@ -94,7 +94,7 @@ void SL_GraphScene::assignUniqueName(GraphNodeBase* node) {
     if (!suffixes_) suffixes_ = std::make_unique<SuffixIndex>(nodesById());
     const TM_String name = node->getName();
     int64_t number = 1;
-    if (suffixes_->has(text::format("%s_%02d", name.c_str(), 1))) {
+    if (suffixes_->has(name + "_01")) {
         number = suffixes_->nextNumber(name, nodesById());
     }
     const int digits = number < 100 ? 2 : number < 1000 ? 3 : number < 10000 ? 4 : 5;

@@ -3,6 +3,7 @@
 #include "persistence/packed_xml.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <vector>
@@ -20,8 +21,18 @@ std::atomic<unsigned> depthLimit{usualDepth};
 constexpr std::string_view cdataOpening = "<![CDATA[";
 constexpr std::string_view cdataClosing = "]]>";
 
-bool isBlank(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
-bool isNameCharacter(char c) { return !isBlank(c) && c != '\0' && !std::strchr("/><?!=&\"'", c); }
+constexpr std::array<bool, 256> membersOf(std::string_view characters) {
+    std::array<bool, 256> members{};
+    for (const char c : characters) members[static_cast<unsigned char>(c)] = true;
+    return members;
+}
+
+// The document is looked at byte by byte: tests are single look-ups.
+constexpr std::array<bool, 256> blanks = membersOf(" \n\t\r");
+constexpr std::array<bool, 256> nameEnds = membersOf(std::string_view(" \n\t\r/><?!=&\"'\0", 14));
+
+bool isBlank(char c) { return blanks[static_cast<unsigned char>(c)]; }
+bool isNameCharacter(char c) { return !nameEnds[static_cast<unsigned char>(c)]; }
 
 long lineBreaks(const char* begin, const char* end) { return std::count(begin, end, '\n'); }
 

@@ -331,7 +331,6 @@ TEST(Connect, TellsSourceThenDestinationThenTheListener) {
     Net net;
     net.add<ScriptNode>("A")->ports({}, {"out"});
     net.add<ScriptNode>("B")->ports({"in"}, {});
-    std::string order;
     auto* a = static_cast<ScriptNode*>(net.node("A"));
     auto* b = static_cast<ScriptNode*>(net.node("B"));
     CallbackLog log;
@@ -373,10 +372,10 @@ TEST(Connect, UnknownDestinationsAreIgnored) {
 }
 
 TEST(Connect, WithoutMonitoringOnlyTheNodesAreTold) {
+    int told = 0;
     Net net;
     auto* a = net.add<ScriptNode>("A")->ports({}, {"out"});
     net.add<ScriptNode>("B")->ports({"in"}, {});
-    int told = 0;
     a->onConnectionChanged = [&](Attribute*) { ++told; };
     net.manager.setMonitoring(false);
     CallbackLog log;

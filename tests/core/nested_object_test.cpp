@@ -263,7 +263,7 @@ TEST(NestedObject, ClassNameIsEmptyWithoutAClass) {
 
 TEST(NestedObject, AddChildTakesOneReferenceAndIgnoresRepeats) {
     NetworkManager manager;
-    const Retained<NestedObject> parent(new NestedObject(&manager, nullptr));
+    const Retained<Node> parent(new Node(&manager, "parent", nullptr));
     const Retained<NestedObject> child(new NestedObject(&manager, nullptr));
     parent->addChild(child.get());
     EXPECT_EQ(child->refCount(), 2);
@@ -282,10 +282,20 @@ TEST(NestedObject, ChildrenAreReleasedWithTheirHolder) {
     NetworkManager manager;
     const Retained<NestedObject> child(new NestedObject(&manager, nullptr));
     {
-        const Retained<NestedObject> holder(new NestedObject(&manager, nullptr));
+        const Retained<Node> holder(new Node(&manager, "holder", nullptr));
         holder->addChild(child.get());
         EXPECT_EQ(child->refCount(), 2);
     }
+    EXPECT_EQ(child->refCount(), 1);
+}
+
+TEST(NestedObject, OnlyNodesTakeChildren) {
+    NetworkManager manager;
+    const Retained<NestedObject> bare(new NestedObject(&manager, nullptr));
+    const Retained<NestedObject> child(new NestedObject(&manager, nullptr));
+    bare->addChild(child.get());
+    bare->removeChild(child.get());
+    EXPECT_EQ(bare->children().size(), 0u);
     EXPECT_EQ(child->refCount(), 1);
 }
 

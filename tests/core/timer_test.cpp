@@ -145,6 +145,14 @@ TEST(NodeTimer, LastUpdateTimeGrowsFromUpdateToUpdate) {
     EXPECT_EQ(a->getLastUpdateTime(), 0.0);
 }
 
+TEST(NodeTimer, StopsWhereAnUpdateIsLeftByAnException) {
+    Net net;
+    auto* a = net.add<ScriptNode>("A")->ports({"in"}, {"out"});
+    a->onUpdate = [](Attribute*) { throw 1; };
+    EXPECT_THROW(a->doUpdate(net.at("A.out")), int);
+    EXPECT_FALSE(a->stopNodeTimer(false));
+}
+
 TEST(NodeTimer, OutputsWithoutReadersAreNoPartOfTheIsolatedTime) {
     Net net;
     auto* a = net.add<ScriptNode>("A")->ports({"in"}, {"out"});

@@ -87,7 +87,8 @@ TEST_F(FramesTest, FailingFrameEndsTheRunUnlessToldOtherwise) {
 
 TEST_F(FramesTest, MessagesBelongToTheirFrame) {
     const Ended ended = sluice({"run", "cancel.xml", "--json", "-f", "1-3", "--keep-going"});
-    for (const Json& frame : ended.json()["frames"]) EXPECT_EQ(frame["messages"].size(), 1u);
+    const Json json = ended.json();
+    for (const Json& frame : json["frames"]) EXPECT_EQ(frame["messages"].size(), 1u);
 }
 
 TEST_F(FramesTest, ReadingErrorsAreToldOnceAndEndNothing) {

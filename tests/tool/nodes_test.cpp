@@ -25,7 +25,8 @@ Json nodeOf(const std::string& type) {
 }
 
 Json pinOf(const std::string& type, const char* side, const std::string& name) {
-    for (const Json& pin : nodeOf(type)[side]) {
+    const Json node = nodeOf(type);
+    for (const Json& pin : node[side]) {
         if (pin["name"] == name) return pin;
     }
     return Json();
@@ -33,7 +34,8 @@ Json pinOf(const std::string& type, const char* side, const std::string& name) {
 
 std::vector<std::string> typesOf(const Ended& ended) {
     std::vector<std::string> types;
-    for (const Json& node : ended.json()["nodes"]) types.push_back(node["type"]);
+    const Json json = ended.json();
+    for (const Json& node : json["nodes"]) types.push_back(node["type"]);
     return types;
 }
 
@@ -119,8 +121,9 @@ TEST(Nodes, CategoryTakesWhatLiesBelowToo) {
     for (const char* category : {"Math", "math"}) {
         const Ended ended = run({"nodes", "--json", "--category", category});
         EXPECT_EQ(ended.status, 0);
-        EXPECT_FALSE(ended.json()["nodes"].empty());
-        for (const Json& node : ended.json()["nodes"]) {
+        const Json json = ended.json();
+        EXPECT_FALSE(json["nodes"].empty());
+        for (const Json& node : json["nodes"]) {
             const std::string main = node["category"];
             EXPECT_TRUE(main == "Math" || main.rfind("Math.", 0) == 0) << main;
         }
