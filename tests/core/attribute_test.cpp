@@ -12,53 +12,21 @@
 #include <thread>
 
 #include "core/exceptions.h"
-#include "platform/stack_segment.h"
 #include "support/callback_log.h"
 #include "support/net.h"
 #include "test_nodes.h"
-
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
-#define SLUICE_INSTRUMENTED 1
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer) || __has_feature(address_sanitizer)
-#define SLUICE_INSTRUMENTED 1
-#endif
-#endif
 
 using namespace weft;
 using support::CallbackLog;
 using support::Net;
 using test_nodes::pulled;
 using test_nodes::ScriptNode;
-using test_nodes::StepNode;
 
 namespace {
 
 NumericAttribute* number(Net& net, const char* path) {
     return static_cast<NumericAttribute*>(net.at(path));
 }
-
-// A chain of steps s0 > s1 > ... whose names cost nothing.
-struct Chain {
-    explicit Chain(int length) {
-        net.manager.setMonitoring(false);
-        for (int i = 0; i < length; ++i) {
-            auto* step = new StepNode(&net.manager, "", nullptr);
-            step->setParent(net.root);
-            net.root->addNode(step);
-            if (i > 0) step->inputAttributeAt(0)->setClean(false);
-        }
-        for (int i = 1; i < length; ++i) {
-            net.root->nodeAt(i - 1)->outputAttributeAt(0)->connectTo(
-                net.root->nodeAt(i)->inputAttributeAt(0), nullptr);
-        }
-        last = static_cast<NumericAttribute*>(net.root->nodeAt(length - 1)->inputAttributeAt(0));
-    }
-    ~Chain() { net.manager.setTearingDown(true); }
-
-    Net net;
-    NumericAttribute* last = nullptr;
-};
 
 } // namespace
 
@@ -766,45 +734,3 @@ TEST(AttributeTeardown, InAnyOrder) {
         EXPECT_EQ(net.all().size(), 0u);
     } while (std::next_permutation(std::begin(order), std::end(order)));
 }
-
-// Depth.
-
-TEST(DeepPull, ChainOfAHundredThousandIsPulled) {
-#if defined(SLUICE_INSTRUMENTED)
-    constexpr int length = 20000;
-#else
-    constexpr int length = 100000;
-#endif
-    Chain chain(length);
-    EXPECT_EQ(pulled(chain.last), static_cast<float>(length - 1));
-    EXPECT_EQ(chain.net.manager.failedNodeId(), 0);
-}
-
-TEST(DeepPull, ExceptionFromTheFarEndArrives) {
-#if defined(SLUICE_INSTRUMENTED)
-    constexpr int length = 5000;
-#else
-    constexpr int length = 100000;
-#endif
-    Chain chain(length);
-    auto* first = static_cast<StepNode*>(chain.net.root->nodeAt(0));
-    first->throwing = true;
-    try {
-        chain.last->pull();
-        FAIL() << "nothing was thrown";
-    } catch (const tidemark::sluice::graph::GenericGraphException& failure) {
-        EXPECT_EQ(failure.message(), "[root.] the step fails - in the deep");
-    }
-    EXPECT_EQ(chain.net.manager.failedNodeId(), first->id());
-    first->throwing = false;
-    EXPECT_EQ(pulled(chain.last), static_cast<float>(length - 1));
-}
-
-#if !defined(SLUICE_INSTRUMENTED)
-TEST(DeepPull, ChainOfAMillionIsPulled) {
-    Chain chain(1000000);
-    EXPECT_EQ(pulled(chain.last), 999999.0f);
-    chain.net.root->nodeAt(0)->inputAttributeAt(0)->markDirty(true);
-    EXPECT_FALSE(chain.last->isClean());
-}
-#endif
