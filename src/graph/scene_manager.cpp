@@ -217,7 +217,7 @@ TM_String SceneManager::nearestNodeType(const TM_String& type) const {
 void SceneManager::setupLegacyDictionary() {
     if (!legacyTypes_.empty()) return;
 #define LEGACY(old, today) legacyTypes_.emplace(#old, #today);
-#include "graph/node_types/legacy.def"
+#include "graph/node_types/legacy.inc"
 #undef LEGACY
 }
 
