@@ -534,9 +534,10 @@ void Attribute::leaveRelations() {
         link.first->links_.remove(link);
         link.second->links_.remove(link);
     }
-    for (Attribute* other : allowedPassThroughs_) other->allowedPassThroughs_.remove(this);
-    for (Attribute* other : passThroughs_) {
-        other->passThroughs_.remove(this);
+    // Not `passThroughs_`: an output that refused a second input stands in that input's list alone.
+    for (Attribute* other : allowedPassThroughs_) {
+        other->allowedPassThroughs_.remove(this);
+        if (!other->passThroughs_.remove(this)) continue;
         if (other->passThroughs_.empty() && !other->isPurePassThrough()) {
             other->isPassThrough_ = false;
         }
