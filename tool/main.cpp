@@ -115,14 +115,7 @@ CLI::App* addCommand(CLI::App& app, CommandLine& line, const char* name, const c
     return command;
 }
 
-void addCommands(CLI::App& app, CommandLine& line) {
-    CLI::App* run = addCommand(app, line, "run", "Read a graph, run it and report");
-    run->add_option("GRAPH", line.run.graph, "The graph's file")->required();
-    addRunPins(*run, line.run);
-    addRunControl(*run, line.run, line.runTexts);
-    addRunReports(*run, line.run, line.runTexts);
-    addRunLimits(*run, line.run, line.runTexts);
-
+void addTypeCommands(CLI::App& app, CommandLine& line) {
     CLI::App* nodes = addCommand(app, line, "nodes", "List the node types");
     nodes->add_option("--category", line.nodes.category, "Only types of a category, or below it")
         ->type_name("C");
@@ -133,7 +126,9 @@ void addCommands(CLI::App& app, CommandLine& line) {
     CLI::App* describe = addCommand(app, line, "describe", "Tell everything about one node type");
     describe->add_option("TYPE", line.describe.type, "The node type")->required();
     describe->add_flag("--json", line.describe.json, "Print one JSON document");
+}
 
+void addFileCommands(CLI::App& app, CommandLine& line) {
     CLI::App* check =
         addCommand(app, line, "check", "Read a graph and report what is wrong with it");
     check->add_option("GRAPH", line.check.graph, "The graph's file")->required();
@@ -147,7 +142,9 @@ void addCommands(CLI::App& app, CommandLine& line) {
         addCommand(app, line, "convert", "Read a graph and write it in today's form");
     convert->add_option("IN", line.convert.in, "The graph's file")->required();
     convert->add_option("OUT", line.convert.out, "The file to write")->required();
+}
 
+void addCompletion(CLI::App& app, CommandLine& line) {
     CLI::App* completion =
         addCommand(app, line, "completion", "Print the completion script of a shell");
     auto* shell = completion->add_option("SHELL", line.completion.shell, "bash or zsh")
@@ -156,6 +153,19 @@ void addCommands(CLI::App& app, CommandLine& line) {
         ->type_name("GRAPH")
         ->excludes(shell);
     completion->add_flag("--outputs", line.completion.outputsOnly, "With --pins: only outputs");
+}
+
+void addCommands(CLI::App& app, CommandLine& line) {
+    CLI::App* run = addCommand(app, line, "run", "Read a graph, run it and report");
+    run->add_option("GRAPH", line.run.graph, "The graph's file")->required();
+    addRunPins(*run, line.run);
+    addRunControl(*run, line.run, line.runTexts);
+    addRunReports(*run, line.run, line.runTexts);
+    addRunLimits(*run, line.run, line.runTexts);
+
+    addTypeCommands(app, line);
+    addFileCommands(app, line);
+    addCompletion(app, line);
 }
 
 std::vector<CommandWords> wordsOf(const CLI::App& app) {

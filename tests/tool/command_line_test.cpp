@@ -176,6 +176,34 @@ TEST_F(ProgramTest, NothingIsColouredAwayFromATerminal) {
     EXPECT_EQ(ended.err.find('\r'), std::string::npos);
 }
 
+TEST_F(ProgramTest, TerminalShowsColoursUnlessForbidden) {
+    file("g.xml", GraphText().node("X", "NoSuchType").text());
+    const auto errors = [this](Words arguments, const char* noColor) {
+        arguments.insert(arguments.begin(), {"run", "g.xml"});
+        return sluice(Start{.arguments = arguments,
+                            .environment = {{"NO_COLOR", noColor}},
+                            .terminal = true})
+            .err;
+    };
+    const std::string colour = "\033[1;31merror\033[0m: ";
+    EXPECT_TRUE(holds(errors({}, ""), colour)) << errors({}, "");
+    EXPECT_FALSE(holds(errors({}, "1"), colour));
+    EXPECT_FALSE(holds(errors({"--no-color"}, ""), colour));
+}
+
+TEST_F(ProgramTest, TerminalShowsOneRewrittenLineOfProgress) {
+    file("sleep.xml", sleepingGraph(1500));
+    const auto errors = [this](const char* form) {
+        return sluice(Start{.arguments = {"run", "sleep.xml", "--progress", form, "-f", "7"},
+                            .terminal = true})
+            .err;
+    };
+    const std::string shown = errors("auto");
+    EXPECT_TRUE(holds(shown, "\r\033[Kframe 7 (1 of 1), ")) << shown;
+    EXPECT_TRUE(holds(shown, "\r\033[K3 nodes, 1 evaluator")) << shown;
+    EXPECT_FALSE(holds(errors("none"), "frame 7"));
+}
+
 TEST_F(ProgramTest, ControlCharactersOfAGraphDoNotReachTheTerminal) {
     file("g.xml", GraphText().node("X", "bad\x1b[31mtype").text());
     const Ended ended = sluice({"run", "g.xml"});

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,7 +27,8 @@ namespace {
     dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     dup2(err, STDERR_FILENO);
-    unsetenv("SLUICE_THREADS");
+    for (const char* name : {"SLUICE_THREADS", "NO_COLOR"}) unsetenv(name);
+    setenv("TERM", "xterm", 1);
     for (const auto& [name, value] : start.environment) setenv(name.c_str(), value.c_str(), 1);
     if (!start.folder.empty() && chdir(start.folder.c_str()) != 0) _exit(126);
     std::vector<char*> words{const_cast<char*>(SLUICE_PROGRAM)};
@@ -83,7 +85,9 @@ Ended run(const Start& start) {
     int out[2];
     int err[2];
     Ended ended;
-    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) return ended;
+    const bool opened = start.terminal ? openpty(&err[0], &err[1], nullptr, nullptr, nullptr) == 0
+                                       : pipe2(err, O_CLOEXEC) == 0;
+    if (!opened || pipe2(out, O_CLOEXEC) != 0) return ended;
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
     if (child == 0) becomeProgram(start, out[1], err[1]);

@@ -35,6 +35,7 @@ struct Start {
     int signal = 0;       ///< sent `signalAfter` seconds after the start; 0: none
     double signalAfter = 0.0;
     int signalCount = 1;   ///< sent in a row, 50 ms apart
+    bool terminal = false; ///< standard error is a terminal
     std::string outFile{}; ///< where standard output goes instead
 };
 
