@@ -2,8 +2,6 @@
 // The length of a tick, measured against the steady clock.
 #include "core/timer.h"
 
-#include <atomic>
-
 namespace tidemark {
 
 namespace {
@@ -17,17 +15,16 @@ struct Reference {
 
 const Reference reference;
 
-// Below this span the ratio of the two clocks would be too coarse to keep.
-constexpr double secondsToSettle = 0.25;
+// A shorter span would give too coarse a ratio of the two clocks.
+constexpr double secondsToMeasure = 0.002;
 
+// Measured once, at the first use, so that a time reads the same whenever it is asked for.
 double secondsPerTick() {
-    static std::atomic<double> settled{0.0};
-    const double known = settled.load(std::memory_order_relaxed);
-    if (known > 0.0) return known;
-    std::chrono::duration<double> span = Clock::now() - reference.time;
-    while (span.count() < 1e-4) span = Clock::now() - reference.time;
-    const double ratio = span.count() / static_cast<double>(Timer::now() - reference.ticks);
-    if (span.count() > secondsToSettle) settled.store(ratio, std::memory_order_relaxed);
+    static const double ratio = [] {
+        std::chrono::duration<double> span = Clock::now() - reference.time;
+        while (span.count() < secondsToMeasure) span = Clock::now() - reference.time;
+        return span.count() / static_cast<double>(Timer::now() - reference.ticks);
+    }();
     return ratio;
 }
 
