@@ -51,7 +51,15 @@ void run(SL_GraphScene& scene) {
     std::abort();
 }
 
-void checkReadsBack(const TM_String& written, const GraphLayout& layout) {
+// What a file puts below a node that is no compound is read, but not written again.
+bool hasUnwrittenNodes(const SL_GraphScene& scene) {
+    for (const auto entry : scene.nodesById()) {
+        if (!entry.value->isCompound() && !entry.value->children().empty()) return true;
+    }
+    return false;
+}
+
+void checkReadsBack(const TM_String& written, const GraphLayout& layout, bool isWhole) {
     SL_GraphScene scene;
     GraphLayout readLayout;
     TM_String again;
@@ -59,7 +67,8 @@ void checkReadsBack(const TM_String& written, const GraphLayout& layout) {
         fail("what was written does not read back", written, again);
     }
     GraphParsingHelper::write_XML_base_static(false, {}, scene, layout, again);
-    if (again != written) fail("what was read back is written differently", written, again);
+    if (isWhole && again != written)
+        fail("what was read back is written differently", written, again);
 }
 
 } // namespace
@@ -83,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     GraphParsingHelper::read_XML_base_static(false, text, scene, layout);
     TM_String written;
     if (GraphParsingHelper::write_XML_base_static(false, {}, scene, layout, written)) {
-        checkReadsBack(written, layout);
+        checkReadsBack(written, layout, !hasUnwrittenNodes(scene));
     }
     run(scene);
     GraphParsingHelper::write_XML_base_static(false, {}, scene, layout, written);

@@ -39,7 +39,7 @@ public:
     /// Reports nothing.
     static bool XML_stringToPropertyTreeNoError(const TM_String& text, PropertyTree& tree);
 
-    /// Levels of elements beyond which documents are refused; 1,024 at start, at most 8,192.
+    /// Levels of elements beyond which documents are refused; 1,024 at start, at most 2,048.
     static unsigned getMaximumDepth();
     static void setMaximumDepth(unsigned levels);
 

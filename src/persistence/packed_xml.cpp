@@ -15,7 +15,7 @@ namespace tidemark::sluice::graph {
 namespace {
 
 constexpr unsigned usualDepth = 1024;
-constexpr unsigned highestDepth = 8192;
+constexpr unsigned highestDepth = 2048;
 std::atomic<unsigned> depthLimit{usualDepth};
 
 constexpr std::string_view cdataOpening = "<![CDATA[";

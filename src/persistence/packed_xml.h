@@ -26,7 +26,7 @@ struct XmlProblem {
 
 /// Nesting depth beyond which documents are refused; 1,024 unless set.
 SLUICE_API unsigned maximumXmlDepth();
-/// Between 1 and 8,192, whatever is asked for: parser and tree recurse with the nesting.
+/// Between 1 and 2,048, whatever is asked for: parser and tree recurse with the nesting.
 SLUICE_API void setMaximumXmlDepth(unsigned levels);
 
 class SLUICE_API PackedXml {

@@ -131,10 +131,10 @@ TEST(GraphParsingHelper, TakesAnotherNestingLimit) {
     Helper::setMaximumDepth(2);
     EXPECT_TRUE(Helper::XML_stringToPropertyTreeNoError("<a><b/></a>", tree));
     EXPECT_FALSE(Helper::XML_stringToPropertyTreeNoError("<a><b><c/></b></a>", tree));
-    Helper::setMaximumDepth(8192);
+    Helper::setMaximumDepth(2048);
     std::string deep;
-    for (int i = 0; i < 8192; ++i) deep += "<a>";
-    for (int i = 0; i < 8192; ++i) deep += "</a>";
+    for (int i = 0; i < 2048; ++i) deep += "<a>";
+    for (int i = 0; i < 2048; ++i) deep += "</a>";
     EXPECT_TRUE(Helper::XML_stringToPropertyTreeNoError(deep, tree));
     Helper::setMaximumDepth(1024);
 }

@@ -164,15 +164,22 @@ std::string roundTrip(unsigned seed) {
     return text;
 }
 
-// The process counts with a comma while this lives.
+// What streams ask how numbers look.
+struct CommaNumbers : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+// The process counts with a comma while this lives, in C and in C++.
 class CommaLocale {
 public:
     CommaLocale() : name_(std::setlocale(LC_ALL, nullptr)) {
         isSet_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-        if (isSet_) global_ = std::locale::global(std::locale("de_DE.UTF-8"));
+        global_ = std::locale::global(std::locale(std::locale(), new CommaNumbers));
     }
     ~CommaLocale() {
-        if (isSet_) std::locale::global(global_);
+        std::locale::global(global_);
         std::setlocale(LC_ALL, name_.c_str());
     }
     bool isSet() const { return isSet_; }
