@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+// What `nodes --json` tells of every node type, held against the text in catalogue.txt: order,
+// categories, descriptions, and each pin's kind, types, default, options and help.
+#include <fstream>
+#include <sstream>
+
+#include "tool/program.h"
+
+namespace sluice_test {
+namespace {
+
+std::string joined(const Json& words) {
+    std::string text;
+    for (const Json& word : words) text += (text.empty() ? "" : ",") + word.get<std::string>();
+    return text;
+}
+
+// A list too long for one line is told by its length.
+std::string types(const Json& words) {
+    constexpr std::size_t longest = 8;
+    if (words.size() > longest) return std::to_string(words.size()) + " types";
+    return joined(words);
+}
+
+void tellPin(std::ostream& out, const char* side, const Json& pin) {
+    out << "  " << side << ' ' << pin["name"].dump() << ' ' << pin["kind"].get<std::string>() << " ["
+        << types(pin["allowed"]) << "] [" << types(pin["specializations"]) << "] "
+        << pin["value"].dump();
+    if (pin.contains("options")) out << " of " << pin["options"].dump();
+    out << ' ' << pin["description"].dump() << '\n';
+}
+
+std::string told(const Json& catalogue) {
+    std::ostringstream out;
+    for (const Json& node : catalogue["nodes"]) {
+        out << node["type"].get<std::string>() << " | " << node["category"].get<std::string>()
+            << " | " << joined(node["allowedCategories"]) << " | "
+            << (node["dynamicPins"].get<bool>() ? "dynamic pins" : "fixed pins") << '\n';
+        out << "  " << node["description"].dump() << '\n';
+        for (const Json& pin : node["inputs"]) tellPin(out, "in ", pin);
+        for (const Json& pin : node["outputs"]) tellPin(out, "out", pin);
+    }
+    return out.str();
+}
+
+TEST(Catalogue, TellsEveryTypeAsListed) {
+    const Ended ended = run({"nodes", "--json"});
+    ASSERT_EQ(ended.status, 0) << ended.err;
+    const Json catalogue = ended.json();
+    EXPECT_EQ(catalogue["schema"], "sluice.nodes/1");
+    std::ifstream file(SLUICE_TESTS_DIR "/tool/catalogue.txt");
+    std::stringstream listed;
+    listed << file.rdbuf();
+    std::istringstream found(told(catalogue));
+    std::string expectedLine;
+    std::string line;
+    while (std::getline(listed, expectedLine)) {
+        ASSERT_TRUE(std::getline(found, line)) << "missing: " << expectedLine;
+        EXPECT_EQ(line, expectedLine);
+    }
+    EXPECT_FALSE(std::getline(found, line)) << "not listed: " << line;
+}
+
+// What the examples promise in their opening comments.
+struct Example {
+    const char* file;
+    int status;
+    const char* pin;
+    const char* value;
+};
+
+class Examples : public testing::TestWithParam<Example> {};
+
+TEST_P(Examples, DoWhatTheySay) {
+    const Example& example = GetParam();
+    const std::string path = std::string(SLUICE_EXAMPLES_DIR "/") + example.file;
+    const Ended ended = run({"run", path, "--json", "--get", example.pin});
+    EXPECT_EQ(ended.status, example.status) << ended.err;
+    EXPECT_EQ(ended.json()["pins"][0]["value"].dump(), example.value);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Examples,
+    testing::Values(
+        Example{"numbers.xml", 0, "root.Position.result", "[[3.0,10.0,0.0]]"},
+        Example{"sequence_names.xml", 0, "root.Evaluator.evaluate",
+                "[\"/renders/ocean/ocean_0008.png\"]"},
+        Example{"nested_compounds.xml", 0, "root.Statistics.mean", "[5.0]"},
+        Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
+        Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
+    [](const testing::TestParamInfo<Example>& info) {
+        const std::string file = info.param.file;
+        return file.substr(0, file.find('.'));
+    });
+
+TEST(ExamplesOfFailures, ReportOneOfEachReadingFailure) {
+    const Ended ended = run({"run", SLUICE_EXAMPLES_DIR "/reading_failures.xml", "--json"});
+    std::string ids;
+    for (const Json& report : ended.json()["host"]) ids += report["id"].dump() + " ";
+    EXPECT_EQ(ids, "2256 2261 2264 2255 2260 2266 2267 ");
+}
+
+} // namespace
+} // namespace sluice_test
