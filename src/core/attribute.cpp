@@ -108,7 +108,7 @@ void Attribute::setNotifiesDirty(bool notify) {
 // Marking in bulk relies on being told what became clean meanwhile.
 void Attribute::setClean(bool clean) {
     isClean_ = clean;
-    if (clean && networkManager()) ++networkManager()->cleanings_;
+    if (clean && networkManager()) networkManager()->noteCleaning();
 }
 
 void Attribute::listenToDirtied() {
@@ -173,7 +173,7 @@ void Attribute::computeNow() {
 }
 
 void Attribute::cleanPlain(NetworkManager& manager) {
-    ++manager.cleanings_;
+    manager.noteCleaning();
     if (source_ && !source_->isClean_) source_->computePlain(manager);
     isClean_ = true;
 }
@@ -184,7 +184,7 @@ void Attribute::computePlain(NetworkManager& manager) {
     }
     Node* const node = parent();
     if (manager.isInterrupted()) [[unlikely]] endIfInterrupted(manager, node);
-    ++manager.cleanings_;
+    manager.noteCleaning();
     if (node && node->updateEnabled_) {
         const CleaningFlag cleaning(isCleaning_);
         Node::UpdateScope scope(*node);
@@ -197,7 +197,7 @@ void Attribute::computePlain(NetworkManager& manager) {
 // The hold keeps what happens between its two ends from starting a walk.
 void Attribute::cleanTimed(NetworkManager& manager) {
     manager.dirtyHold_ = true;
-    ++manager.cleanings_;
+    manager.noteCleaning();
     Node* const reader = parent();
     // The reader does not pay for what it waits for.
     const bool pauses = reader && reader->nodeTimer_.isRunning();
@@ -229,7 +229,7 @@ Timer::Ticks Attribute::computeTimed(NetworkManager& manager, Timer::Ticks time)
     }
     Node* const node = parent();
     if (manager.isInterrupted()) [[unlikely]] endIfInterrupted(manager, node);
-    ++manager.cleanings_;
+    manager.noteCleaning();
     const CleaningFlag cleaning(isCleaning_);
     const Timer::Ticks begin = time;
     if (node && node->updateEnabled_) time = node->updateTimed(this, time);

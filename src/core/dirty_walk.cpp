@@ -249,7 +249,7 @@ bool NetworkManager::canMarkTogether() const {
 // nothing became clean and no edge was added in between, which only what is told can do.
 void NetworkManager::markAllDirty(const Array<Attribute*>& list) {
     const SurvivingList survivors(this, list);
-    uint64_t cleanings = cleanings_;
+    cleaned_ &= cleanedEver;
     uint32_t topology = topologyEpoch_;
     uint32_t mark = nextMark();
     for (uint32_t i = 0; i < list.size(); ++i) {
@@ -259,9 +259,9 @@ void NetworkManager::markAllDirty(const Array<Attribute*>& list) {
             walkDirty(attribute, true);
             continue;
         }
-        if (cleanings_ != cleanings || topologyEpoch_ != topology) {
+        if ((cleaned_ & cleanedSinceMark) != 0 || topologyEpoch_ != topology) {
             mark = nextMark();
-            cleanings = cleanings_;
+            cleaned_ &= cleanedEver;
             topology = topologyEpoch_;
         }
         visitDownstream(attribute, mark, liveEpoch,

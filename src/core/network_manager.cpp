@@ -229,7 +229,7 @@ void NetworkManager::dropEdgesOf(Attribute* attribute) {
     attribute->notifiesDirty_ = attribute->listens_ = false;
     if (attribute->typeState_ == Attribute::TypeState::changed) --changedTypes_;
     attribute->typeState_ = Attribute::TypeState::fresh;
-    if (--attributes_ == 0) cleaningsOfGone_ = cleanings_;
+    if (--attributes_ == 0) cleaned_ = 0;
     if (!attribute->hasVertex_) return;
     ++topologyEpoch_;
     for (const Attribute::Edge& edge : attribute->successors_) {

@@ -152,7 +152,9 @@ private:
     void dropEdgesOf(Attribute* attribute);
     bool keepsDeadEdges() const { return cacheDisabled_ || staleAttributes_ > 0; }
     // False: no attribute that is left can be clean.
-    bool mayHoldClean() const { return cleanings_ != cleaningsOfGone_; }
+    bool mayHoldClean() const { return cleaned_ != 0; }
+    // A plain store, because every pull makes it.
+    void noteCleaning() { cleaned_ = cleanedSinceMark | cleanedEver; }
 
     template <typename Visit>
     void visitDownstream(Attribute* start, uint32_t mark, uint32_t epoch, Visit visit);
@@ -178,8 +180,9 @@ private:
     uint32_t staleAttributes_ = 0;
     uint32_t changedTypes_ = 0;    // attributes whose declaration changed since their group settled
     uint64_t removals_ = 0;        // objects that left so far
-    uint64_t cleanings_ = 0;       // attributes that became clean so far
-    uint64_t cleaningsOfGone_ = 0; // the same when last no attribute was left
+    static constexpr uint8_t cleanedEver = 1;      // since there was no attribute at all
+    static constexpr uint8_t cleanedSinceMark = 2; // since `markAllDirty` last looked
+    uint8_t cleaned_ = 0;                          // whether an attribute became clean
     uint32_t attributes_ = 0;      // that are not torn down
     uint32_t searchedGroupLimit_ = 64;
     int32_t failedNodeId_ = 0;
