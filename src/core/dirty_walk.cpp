@@ -271,6 +271,8 @@ void NetworkManager::markAllDirty(const Array<Attribute*>& list) {
         if (!watch.isGone()) fireClean(attribute);
         if (!watch.isGone()) fireClean(attribute);
     }
+    // A call further out has to look again.
+    if (cleaned_ != 0) cleaned_ |= cleanedSinceMark;
 }
 
 void NetworkManager::markAllDirtyForRun(const Array<Attribute*>& list) {
