@@ -132,8 +132,9 @@ bool SpecializationSolver::settleConnection(Attribute* source, Attribute* destin
     if (manager_.changedTypes_ > 0 && isGroupChanged(source)) return settleByPropagation(source);
     isGathered_ = false;
     entries_.clear();
-    queueFresh(source);
-    queueFresh(destination);
+    for (Attribute* end : {source, destination}) {
+        if (end->typeState_ == Attribute::TypeState::fresh) queueFresh(end);
+    }
     narrowPair(source, destination);
     const bool settled = propagate();
     markSettled();

@@ -666,6 +666,22 @@ TEST(Propagation, LongChainsSettleInTimeInEitherOrder) {
     }
 }
 
+// Each connection looks at the new reader, not at all that were connected before.
+TEST(Propagation, ManyReadersOfOneOutputSettleInTime) {
+    Net net;
+    net.manager.setMonitoring(false);
+    RealNode* source = net.add<RealNode>("source");
+    for (int i = 0; i < 30000; ++i) {
+        AddNode* reader = net.add<AddNode>("reader");
+        ASSERT_TRUE(net.manager.connect(source->outputAttributeAt(0), reader->inputAttributeAt(0),
+                                        nullptr));
+    }
+    for (const Attribute* input : source->outputAttributeAt(0)->destinations()) {
+        ASSERT_EQ(input->specialization(), "Real");
+    }
+    net.manager.setTearingDown(true);
+}
+
 // What was evaluated before must not cost the square of what is built afterwards.
 TEST(Propagation, LongChainsSettleInTimeAfterOthersWereEvaluatedAndRemoved) {
     Net net;
