@@ -95,8 +95,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ExamplesOfFailures, ReportOneOfEachReadingFailure) {
     const Ended ended = run({"run", SLUICE_EXAMPLES_DIR "/reading_failures.xml", "--json"});
+    const Json document = ended.json();
     std::string ids;
-    for (const Json& report : ended.json()["host"]) ids += report["id"].dump() + " ";
+    for (const Json& report : document["host"]) ids += report["id"].dump() + " ";
     EXPECT_EQ(ids, "2256 2261 2264 2255 2260 2266 2267 ");
 }
 
