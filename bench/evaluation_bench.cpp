@@ -12,9 +12,9 @@ using bench::Network;
 using benchmark::State;
 
 void perItem(State& state, int64_t items) {
-    state.counters["per_item"] = benchmark::Counter(
-        static_cast<double>(items) * static_cast<double>(state.iterations()),
-        benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["per_item"] =
+        benchmark::Counter(static_cast<double>(items) * static_cast<double>(state.iterations()),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 // A pull of an attribute that is clean, with a chain of `range` nodes above it.

@@ -100,8 +100,7 @@ void appendNode(std::string& text, const std::string& name, const char* type,
 
 void appendConnection(std::string& text, const std::string& source, const std::string& target) {
     text += "        <connection>\n            <source>root." + source +
-            "</source>\n            <target>root." + target +
-            "</target>\n        </connection>\n";
+            "</source>\n            <target>root." + target + "</target>\n        </connection>\n";
 }
 
 std::string input(const char* name, const char* type, const char* value) {

@@ -39,8 +39,8 @@ struct Chain {
     weft::Attribute* sink;
 };
 
-/// The least that any lazy evaluation does: a flat list of objects with a dirty flag, a virtual call
-/// each, one addition inside.
+/// The least that any lazy evaluation does: a flat list of objects with a dirty flag, a virtual
+/// call each, one addition inside.
 class Floor {
 public:
     explicit Floor(int length);

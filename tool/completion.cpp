@@ -163,7 +163,7 @@ std::string bashScript(const std::vector<CommandWords>& commands) {
     return text::replaceAll(script, "@OPTIONS@", cases);
 }
 
-/// `text` inside single quotes and brackets of an _arguments specification.
+/// `text` inside single quotes and brackets of an _arguments description.
 std::string zshQuoted(const std::string& text) {
     std::string out;
     for (const char c : text) {

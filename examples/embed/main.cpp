@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A program that embeds the library: it installs a host of its own, builds a graph by calls, follows
-// the evaluation through the callbacks, runs the graph, changes a value and runs it again.
+// A program that embeds the library: it installs a host of its own, builds a graph by calls,
+// follows the evaluation through the callbacks, runs the graph, changes a value and runs it again.
 #include <cstdio>
 
 #include "bridge/host.h"
@@ -24,8 +24,8 @@ public:
 };
 
 Node* add(SL_GraphScene& scene, const char* type, const char* name) {
-    auto* node = static_cast<Node*>(
-        SceneManager::instance().getNodeFactoryFromType(type)->createNode());
+    auto* node =
+        static_cast<Node*>(SceneManager::instance().getNodeFactoryFromType(type)->createNode());
     scene.addNodeToGraph(node); // the scene owns it from here on
     node->setNodeOwner(scene.getRootNode());
     node->setName(name);

@@ -12,19 +12,19 @@ namespace tidemark::bridge {
 
 /// Numbers of the messages that the library posts. The texts are the host's.
 namespace message {
-constexpr int panelDetail = 49;          ///< a node's message of level 4 or above, as a line
-constexpr int outOfMemory = 2083;        ///< a run ended for lack of memory; no text
-constexpr int unknownNodeType = 2255;    ///< reading: the type
-constexpr int interfaceAtRoot = 2256;    ///< reading: an interface node outside a compound
+constexpr int panelDetail = 49;            ///< a node's message of level 4 or above, as a line
+constexpr int outOfMemory = 2083;          ///< a run ended for lack of memory; no text
+constexpr int unknownNodeType = 2255;      ///< reading: the type
+constexpr int interfaceAtRoot = 2256;      ///< reading: an interface node outside a compound
 constexpr int unknownConnectionPin = 2260; ///< reading: the full pin name
-constexpr int unknownPin = 2261;         ///< reading: node and pin
-constexpr int runException = 2262;       ///< a run ended: the exception's text
-constexpr int xmlError = 2263;           ///< the file, the parser's message and the line
-constexpr int unknownPinType = 2264;     ///< reading: node and pin, and the type text
-constexpr int badLayoutValueOf = 2266;   ///< reading: a name and the key
-constexpr int badLayoutValue = 2267;     ///< reading: the key
-constexpr int duplicateNodeType = 2275;  ///< registering: the type and the category in use
-constexpr int panelLine = 2286;          ///< a node's message below level 4 as a line, or what()
+constexpr int unknownPin = 2261;           ///< reading: node and pin
+constexpr int runException = 2262;         ///< a run ended: the exception's text
+constexpr int xmlError = 2263;             ///< the file, the parser's message and the line
+constexpr int unknownPinType = 2264;       ///< reading: node and pin, and the type text
+constexpr int badLayoutValueOf = 2266;     ///< reading: a name and the key
+constexpr int badLayoutValue = 2267;       ///< reading: the key
+constexpr int duplicateNodeType = 2275;    ///< registering: the type and the category in use
+constexpr int panelLine = 2286;            ///< a node's message below level 4 as a line, or what()
 } // namespace message
 
 /// A class of host objects that may flow along pins.

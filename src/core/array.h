@@ -127,8 +127,8 @@ public:
     }
     bool contains(const T& item) const { return indexOf(item) >= 0; }
 
-    /// Makes the count `count`; new elements hold `ElementDefault<T>::value()`. The capacity becomes
-    /// `count` exactly when it was smaller, and stays otherwise.
+    /// Makes the count `count`; new elements hold `ElementDefault<T>::value()`. The capacity
+    /// becomes `count` exactly when it was smaller, and stays otherwise.
     void resize(uint32_t count) {
         if (count <= count_) return shrink(count);
         resize(count, ElementDefault<T>::value());
@@ -145,11 +145,9 @@ public:
         count_ = count;
     }
 
-    /// Makes the count `count` without setting the new elements of a trivial type: the caller writes
-    /// every one of them. Existing elements stay.
-    void resizeForOverwrite(uint32_t count)
-        requires std::is_trivially_copyable_v<T>
-    {
+    /// Makes the count `count` without setting the new elements of a trivial type: the caller
+    /// writes every one of them. Existing elements stay.
+    void resizeForOverwrite(uint32_t count) requires std::is_trivially_copyable_v<T> {
         if (count > capacity_) reallocate(count);
         count_ = count;
     }
@@ -219,7 +217,8 @@ private:
         }
         const uint32_t common = count < count_ ? count : count_;
         for (uint32_t i = 0; i < common; ++i) data_[i] = items[i];
-        if (count > count_) std::uninitialized_copy_n(items + count_, count - count_, data_ + count_);
+        if (count > count_)
+            std::uninitialized_copy_n(items + count_, count - count_, data_ + count_);
         if (count < count_) std::destroy(data_ + count, data_ + count_);
         count_ = count;
     }
@@ -244,7 +243,8 @@ private:
 
     void reallocate(uint32_t capacity) {
         if constexpr (isPayloadElement<T>) limits::checkElements(capacity, sizeof(T));
-        T* fresh = static_cast<T*>(::operator new(sizeof(T) * capacity, std::align_val_t(alignment)));
+        T* fresh =
+            static_cast<T*>(::operator new(sizeof(T) * capacity, std::align_val_t(alignment)));
         std::uninitialized_move_n(data_, count_, fresh);
         std::destroy_n(data_, count_);
         freeBuffer();
@@ -261,8 +261,9 @@ private:
         if (!borrowed_ && data_) ::operator delete(data_, std::align_val_t(alignment));
     }
 
-    static constexpr std::size_t alignment =
-        alignof(T) > alignof(std::max_align_t) ? alignof(T) : alignof(std::max_align_t);
+    static constexpr std::size_t alignment = alignof(T) > alignof(std::max_align_t)
+                                                 ? alignof(T)
+                                                 : alignof(std::max_align_t);
 
     T* data_ = nullptr;
     uint32_t count_ = 0;

@@ -183,7 +183,8 @@ void Attribute::computePlain(NetworkManager& manager) {
         return tidemark::platform::runOnFreshStack([&] { computePlain(manager); });
     }
     Node* const node = parent();
-    if (manager.isInterrupted()) [[unlikely]] endIfInterrupted(manager, node);
+    if (manager.isInterrupted()) [[unlikely]]
+        endIfInterrupted(manager, node);
     manager.noteCleaning();
     if (node && node->updateEnabled_) {
         const CleaningFlag cleaning(isCleaning_);
@@ -228,7 +229,8 @@ Timer::Ticks Attribute::computeTimed(NetworkManager& manager, Timer::Ticks time)
         return time;
     }
     Node* const node = parent();
-    if (manager.isInterrupted()) [[unlikely]] endIfInterrupted(manager, node);
+    if (manager.isInterrupted()) [[unlikely]]
+        endIfInterrupted(manager, node);
     manager.noteCleaning();
     const CleaningFlag cleaning(isCleaning_);
     const Timer::Ticks begin = time;

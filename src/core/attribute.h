@@ -80,9 +80,7 @@ public:
     virtual TM_String allowedSpecializationsText() const;
     virtual TM_String getTypeDescription() const { return rare_.get().typeDescription; }
     virtual void setDescription(const TM_String& text) { description_.set(text); }
-    virtual void setTypeDescription(const TM_String& text) {
-        rare_.ref().typeDescription = text;
-    }
+    virtual void setTypeDescription(const TM_String& text) { rare_.ref().typeDescription = text; }
 
     /// As `setDescription`, for literals: nothing is copied.
     void describe(const char* literal) { description_.setLiteral(literal); }
@@ -149,9 +147,7 @@ public:
     /// What it may be now; one entry means specialized.
     const SpecializationList& specializations() const { return specializations_; }
     /// Normally empty; the one name chosen by the user.
-    const SpecializationList& specializationOverride() const {
-        return rare_.get().chosenType;
-    }
+    const SpecializationList& specializationOverride() const { return rare_.get().chosenType; }
     bool isSpecialized() const { return specializations_.size() == 1; }
     /// The only current specialization, or empty.
     TM_String specialization() const { return isSpecialized() ? specializations_[0] : TM_String(); }
@@ -261,8 +257,8 @@ private:
     Value* currentValue_ = nullptr;
     Attribute* source_ = nullptr;
     uint32_t walkedEpoch_ = 0; // topology epoch of the last walk that began here
-    uint32_t chainEpoch_;      // topology that the chain shows; `NetworkManager::liveEpoch`: today's
-    uint32_t scratch_ = 0;     // index in the group that a solver works on
+    uint32_t chainEpoch_;  // topology that the chain shows; `NetworkManager::liveEpoch`: today's
+    uint32_t scratch_ = 0; // index in the group that a solver works on
     uint32_t lastCleanKiloTicks_ = 0; // of 1,024 ticks
     SmallList<Attribute*> destinations_;
     SmallList<Attribute*> affects_;

@@ -217,7 +217,8 @@ void NetworkManager::markChain(Attribute* attribute) {
     if (epoch == liveEpoch) {
         const auto& kept = attribute->rare_.get().chainCache;
         if ((kept && kept->epoch == topologyEpoch_) || keepChain(attribute)) {
-            for (Attribute* entry : attribute->rare_.get().chainCache->chain) entry->isClean_ = false;
+            for (Attribute* entry : attribute->rare_.get().chainCache->chain)
+                entry->isClean_ = false;
             return;
         }
     }

@@ -178,12 +178,12 @@ private:
     uint32_t mark_ = 0;
     uint32_t dirtyListeners_ = 0;
     uint32_t staleAttributes_ = 0;
-    uint32_t changedTypes_ = 0;    // attributes whose declaration changed since their group settled
-    uint64_t removals_ = 0;        // objects that left so far
+    uint32_t changedTypes_ = 0; // attributes whose declaration changed since their group settled
+    uint64_t removals_ = 0;     // objects that left so far
     static constexpr uint8_t cleanedEver = 1;      // since there was no attribute at all
     static constexpr uint8_t cleanedSinceMark = 2; // since `markAllDirty` last looked
     uint8_t cleaned_ = 0;                          // whether an attribute became clean
-    uint32_t attributes_ = 0;      // that are not torn down
+    uint32_t attributes_ = 0;                      // that are not torn down
     uint32_t searchedGroupLimit_ = 64;
     int32_t failedNodeId_ = 0;
     uint64_t keptChainBytes_ = 0;

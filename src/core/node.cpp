@@ -307,9 +307,7 @@ Attribute* Node::findAttribute(std::string_view name) const {
 
 void Node::inputAttributes(Array<Attribute*>& out) const { fill(inputs_, out); }
 void Node::outputAttributes(Array<Attribute*>& out) const { fill(outputs_, out); }
-void Node::dynamicAttributes(Array<Attribute*>& out) const {
-    fill(refDynamicAttributes(), out);
-}
+void Node::dynamicAttributes(Array<Attribute*>& out) const { fill(refDynamicAttributes(), out); }
 void Node::nodes(Array<Node*>& out) const { fill(nodes_, out); }
 
 void Node::attributes(Array<Attribute*>& out) const {
@@ -444,9 +442,7 @@ void Node::setSpecializationPreset(const TM_String& preset, const Attribute* att
     rare_.ref().presets[preset][attribute->id()] = specialization;
 }
 
-const TM_String& Node::enabledSpecializationPreset() const {
-    return rare_.get().enabledPreset;
-}
+const TM_String& Node::enabledSpecializationPreset() const { return rare_.get().enabledPreset; }
 
 void Node::specializationPresets(Array<TM_String>& out) const {
     out.clear();
@@ -488,9 +484,7 @@ void Node::setIsInvalid(bool invalid, const TM_String& text) {
     if (rare_.isUsed() || !text.empty()) rare_.ref().invalidityMessage = text;
 }
 
-const TM_String& Node::invalidityMessage() const {
-    return rare_.get().invalidityMessage;
-}
+const TM_String& Node::invalidityMessage() const { return rare_.get().invalidityMessage; }
 
 // Teardown.
 

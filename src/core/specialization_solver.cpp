@@ -19,8 +19,8 @@ constexpr int mostSearchRounds = 100;
 // only a node whose links contradict themselves comes near.
 constexpr uint64_t mostVisitsPerAttribute = 200;
 
-// An attribute whose group was found to be large keeps this mark where its index in a gathered group
-// stands otherwise. The mark is good until something is taken apart, and for one limit only.
+// An attribute whose group was found to be large keeps this mark where its index in a gathered
+// group stands otherwise. The mark is good until something is taken apart, and for one limit only.
 constexpr uint32_t largeMark = 0x80000000u;
 constexpr uint32_t limitOfMarks = 64;
 std::atomic<uint32_t> splits{0};

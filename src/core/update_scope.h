@@ -18,7 +18,8 @@ public:
         if (parent_) parent_->isUpdating_ = true;
     }
     ~UpdateScope() {
-        if (!isDone_) [[unlikely]] noteFailure();
+        if (!isDone_) [[unlikely]]
+            noteFailure();
         node_.isUpdating_ = wasUpdating_;
         if (parent_) parent_->isUpdating_ = wasParentUpdating_;
     }

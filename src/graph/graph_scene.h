@@ -66,7 +66,8 @@ public:
     using GraphScene::connect;
     /// Null when the pins do not allow it. A refusal by the logic layer leaves the connection and
     /// an error on the source's node. `flag` is not read.
-    GraphConnection* connect(GraphNodePin* source, GraphNodePin* target, bool flag = false) override;
+    GraphConnection* connect(GraphNodePin* source, GraphNodePin* target,
+                             bool flag = false) override;
     bool removeConnection(GraphConnection* connection) override;
     GraphNodeBase* createNewCompound() override;
     GraphNodeBase* createNewInterfaceNode() override;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Graph classes and factories of the registered node types, generated from the rows of
-// node_types/*.def. A row `NODE(Type, Class, categories...)` gives `Node_Class`, whose logic node is
-// made by the function that `SLUICE_DEFINE_NODE(Class)` defines, and `NodeTypeFactory`. A row
+// node_types/*.def. A row `NODE(Type, Class, categories...)` gives `Node_Class`, whose logic node
+// is made by the function that `SLUICE_DEFINE_NODE(Class)` defines, and `NodeTypeFactory`. A row
 // `NODE_WITH_GRAPH_CLASS(Type, Class, categories...)` gives the factory only: `Node_Class` and the
 // factory's `createNode` are written by hand beside the logic class.
 #pragma once

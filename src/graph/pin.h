@@ -150,9 +150,7 @@ public:
     bool read_fromBoostPropertyTree(const PropertyTree& tree);
     void writeInternalConnections_toBoostPropertyTree(PropertyTree& tree) const;
     void readInternalConnections_fromBoostPropertyTree(const PropertyTree& tree);
-    const Array<TM_String>& getInternalConnectionsFromImport() const {
-        return imported_.get();
-    }
+    const Array<TM_String>& getInternalConnectionsFromImport() const { return imported_.get(); }
     Array<TM_String>& refInternalConnectionsFromImport() { return imported_.ref(); }
     void setInternalConnectionsFromImport(const Array<TM_String>& names) {
         imported_.ref() = names;

@@ -23,8 +23,8 @@ std::string types(const Json& words) {
 }
 
 void tellPin(std::ostream& out, const char* side, const Json& pin) {
-    out << "  " << side << ' ' << pin["name"].dump() << ' ' << pin["kind"].get<std::string>() << " ["
-        << types(pin["allowed"]) << "] [" << types(pin["specializations"]) << "] "
+    out << "  " << side << ' ' << pin["name"].dump() << ' ' << pin["kind"].get<std::string>()
+        << " [" << types(pin["allowed"]) << "] [" << types(pin["specializations"]) << "] "
         << pin["value"].dump();
     if (pin.contains("options")) out << " of " << pin["options"].dump();
     out << ' ' << pin["description"].dump() << '\n';
@@ -81,13 +81,12 @@ TEST_P(Examples, DoWhatTheySay) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, Examples,
-    testing::Values(
-        Example{"numbers.xml", 0, "root.Position.result", "[[3.0,10.0,0.0]]"},
-        Example{"sequence_names.xml", 0, "root.Evaluator.evaluate",
-                "[\"/renders/ocean/ocean_0008.png\"]"},
-        Example{"nested_compounds.xml", 0, "root.Statistics.mean", "[5.0]"},
-        Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
-        Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
+    testing::Values(Example{"numbers.xml", 0, "root.Position.result", "[[3.0,10.0,0.0]]"},
+                    Example{"sequence_names.xml", 0, "root.Evaluator.evaluate",
+                            "[\"/renders/ocean/ocean_0008.png\"]"},
+                    Example{"nested_compounds.xml", 0, "root.Statistics.mean", "[5.0]"},
+                    Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
+                    Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
     [](const testing::TestParamInfo<Example>& info) {
         const std::string file = info.param.file;
         return file.substr(0, file.find('.'));
