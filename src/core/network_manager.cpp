@@ -4,6 +4,7 @@
 
 #include <cassert>
 #include <cstdlib>
+#include <utility>
 
 #include "core/callbacks.h"
 #include "core/exceptions.h"
@@ -26,16 +27,28 @@ int32_t NetworkManager::nextId() {
     return id;
 }
 
+// Set and cleared while no other thread uses the network.
+bool NetworkManager::setShared(bool shared) { return std::exchange(shared_, shared); }
+
+std::unique_lock<std::mutex> NetworkManager::lockIfShared() const {
+    std::unique_lock<std::mutex> lock(objectsMutex_, std::defer_lock);
+    if (shared_) lock.lock();
+    return lock;
+}
+
 void NetworkManager::enter(Object* object) {
+    const auto lock = lockIfShared();
     objects_.insert(static_cast<uint32_t>(object->id()), object);
 }
 
 void NetworkManager::leave(Object* object) {
+    const auto lock = lockIfShared();
     objects_.erase(static_cast<uint32_t>(object->id()));
-    ++removals_;
+    removals_.fetch_add(1, std::memory_order_relaxed);
 }
 
 Object* NetworkManager::findObject(int32_t id) const {
+    const auto lock = lockIfShared();
     return id > 0 ? objects_.find(static_cast<uint32_t>(id)) : nullptr;
 }
 

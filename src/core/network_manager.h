@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <vector>
 
 #include "core/attribute.h"
@@ -22,7 +23,8 @@ class MessageHandler;
 namespace weft {
 
 /// Owns nothing: objects enter and leave by their constructors and destructors. Used by one thread
-/// at a time; `requestInterrupt` may be called from any.
+/// at a time; `requestInterrupt` may be called from any. While it is shared, values that belong to
+/// it may come and go on other threads.
 class SLUICE_API NetworkManager {
 public:
     NetworkManager();
@@ -74,6 +76,9 @@ public:
 
     /// Null for an unknown id.
     Object* findObject(int32_t id) const;
+    /// Set while workers use values of this network: the table of objects is then locked. Answers
+    /// what was set before.
+    bool setShared(bool shared);
     /// In rising order of id.
     const tidemark::IdTable<Object>& objects() const { return objects_; }
 
@@ -105,7 +110,14 @@ public:
     /// Thread-safe and lock-free: ends the run in progress, or the next one, with a cancellation.
     void requestInterrupt() { interrupted_.store(true, std::memory_order_relaxed); }
     void clearInterrupt() { interrupted_.store(false, std::memory_order_relaxed); }
-    bool isInterrupted() const { return interrupted_.load(std::memory_order_relaxed); }
+    bool isInterrupted() const {
+        return interrupted_.load(std::memory_order_relaxed) || (outer_ && outer_->isInterrupted());
+    }
+    /// From now on an interrupt of `outer`, which must outlive this network, is one of this network
+    /// as well.
+    void followInterruptsOf(const NetworkManager* outer) { outer_ = outer; }
+    /// True for a network that works for another one, unseen by the host.
+    bool isPrivate() const { return outer_ != nullptr; }
     /// Throws the cancellation when an interrupt was requested and a run is in progress. Long work
     /// inside a node calls it at least every 50 milliseconds.
     void pollInterrupt() const {
@@ -135,6 +147,7 @@ private:
     static int32_t nextId();
     void enter(Object* object);
     void leave(Object* object);
+    std::unique_lock<std::mutex> lockIfShared() const;
 
     // Traversals mark what they saw with a number of their own.
     uint32_t nextMark();
@@ -172,14 +185,16 @@ private:
     bool monitoring_ = true;
     bool evaluating_ = false;
     bool tearingDown_ = false;
+    bool shared_ = false;
     std::atomic<bool> interrupted_{false};
+    const NetworkManager* outer_ = nullptr;
     uint32_t topologyEpoch_ = 1;
     uint32_t frozenEpoch_ = 0; // topology when `cacheDisabled` was set
     uint32_t mark_ = 0;
     uint32_t dirtyListeners_ = 0;
     uint32_t staleAttributes_ = 0;
     uint32_t changedTypes_ = 0; // attributes whose declaration changed since their group settled
-    uint64_t removals_ = 0;     // objects that left so far
+    std::atomic<uint64_t> removals_{0}; // objects that left so far
     static constexpr uint8_t cleanedEver = 1;      // since there was no attribute at all
     static constexpr uint8_t cleanedSinceMark = 2; // since `markAllDirty` last looked
     uint8_t cleaned_ = 0;                          // whether an attribute became clean
@@ -192,6 +207,8 @@ private:
     std::vector<Attribute*> downstream_;
     std::vector<Attribute*> deadEdgeOwners_;
     tidemark::graph::MessageHandler* sceneMessages_ = nullptr;
+
+    mutable std::mutex objectsMutex_; // of the table, while it is shared
 
     static std::atomic<int32_t> _nextAvailableId;
 };

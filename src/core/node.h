@@ -203,6 +203,8 @@ public:
     bool allowDynamicAttributes() const { return allowDynamicAttributes_; }
 
 protected:
+    class UpdateScope; // core/update_scope.h
+
     virtual void initializeClassName() {}
 
     /// Creates an input of type `A`, adds it, and gives it a help text.
@@ -259,7 +261,6 @@ private:
 
     bool addAttribute(Attribute* attribute, bool isInput);
     void connectionChanged(Attribute* attribute);
-    class UpdateScope;
     Timer::Ticks updateTimed(Attribute* attribute, Timer::Ticks time);
     ChildNames* childNames() const;
     bool hasOtherChild(std::string_view name, NestedObject& except) const;
