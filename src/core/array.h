@@ -4,12 +4,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <initializer_list>
 #include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
 
+#include "core/export.h"
 #include "core/limits.h"
 
 namespace tidemark {
@@ -21,6 +23,12 @@ struct ElementDefault {
     static T value() { return T(); }
 };
 
+/// Thrown by an array that would have to leave its memory while several threads use it.
+class SLUICE_API PinnedArray : public std::exception {
+public:
+    const char* what() const noexcept override;
+};
+
 /// True for the types that values are made of, whose arrays are held against the process limits
 /// (`core/limits.h`). The system's own lists, of pointers and names, are not.
 template <typename T>
@@ -30,6 +38,9 @@ constexpr bool isPayloadElement = std::is_arithmetic_v<T>;
 /// `resize` and `reserve` allocate exactly what is asked for. Removing keeps the order of the rest.
 /// Reading by index has no bounds test. A request beyond the process limits or beyond memory throws
 /// `std::bad_alloc` and leaves the array as it was.
+///
+/// While an array is pinned (see `pin`), what would move its elements to other memory throws
+/// `PinnedArray` instead.
 ///
 /// An array may start on a borrowed buffer that it does not free (see `borrow`); it moves to memory
 /// of its own as soon as it needs more room. Copies never borrow.
@@ -50,8 +61,9 @@ public:
         if (this != &other) assign(other.data_, other.count_);
         return *this;
     }
-    Array& operator=(Array&& other) noexcept(true) {
+    Array& operator=(Array&& other) {
         if (this != &other) {
+            checkMovable();
             release();
             take(other);
         }
@@ -162,14 +174,24 @@ public:
 
     /// No elements and no memory.
     void reset() {
+        checkMovable();
         release();
         data_ = nullptr;
         count_ = capacity_ = borrowed_ = 0;
     }
 
+    /// Pinned: threads that write different elements at the same time do no harm to each other.
+    /// Answers what it was. Copies are never pinned.
+    bool pin(bool pinned) {
+        const bool before = pinned_ != 0;
+        pinned_ = pinned;
+        return before;
+    }
+
     /// Gives up what it holds and starts on `buffer`, which the caller owns, which holds `count`
     /// live elements and room for `capacity`, and which outlives this use of it.
     void borrow(T* buffer, uint32_t count, uint32_t capacity) {
+        checkMovable();
         release();
         data_ = buffer;
         count_ = count;
@@ -178,7 +200,7 @@ public:
     }
     bool isBorrowed() const { return borrowed_ != 0; }
 
-    void swap(Array& other) noexcept {
+    void swap(Array& other) {
         Array kept(std::move(other));
         other = std::move(*this);
         *this = std::move(kept);
@@ -207,6 +229,7 @@ private:
 
     void assign(const T* items, uint32_t count) {
         if (count > capacity_) {
+            checkMovable();
             Array fresh;
             fresh.reallocate(count);
             std::uninitialized_copy_n(items, count, fresh.data_);
@@ -227,7 +250,7 @@ private:
     void take(Array& other) {
         data_ = nullptr;
         count_ = capacity_ = borrowed_ = 0;
-        if (other.borrowed_) {
+        if (other.borrowed_ || other.pinned_) {
             if (other.count_ == 0) return;
             reallocate(other.count_);
             std::uninitialized_move_n(other.data_, other.count_, data_);
@@ -235,13 +258,18 @@ private:
             return;
         }
         std::swap(data_, other.data_);
-        std::swap(count_, other.count_);
-        const uint32_t capacity = other.capacity_;
-        other.capacity_ = 0;
-        capacity_ = capacity;
+        count_ = other.count_;
+        capacity_ = other.capacity_;
+        other.count_ = other.capacity_ = 0;
+    }
+
+    void checkMovable() const {
+        if (pinned_) [[unlikely]]
+            throw PinnedArray();
     }
 
     void reallocate(uint32_t capacity) {
+        checkMovable();
         if constexpr (isPayloadElement<T>) limits::checkElements(capacity, sizeof(T));
         T* fresh =
             static_cast<T*>(::operator new(sizeof(T) * capacity, std::align_val_t(alignment)));
@@ -266,7 +294,8 @@ private:
                                                  : alignof(std::max_align_t);
 
     T* data_ = nullptr;
-    uint32_t count_ = 0;
+    uint32_t count_ : 31 = 0;
+    uint32_t pinned_ : 1 = 0;
     uint32_t capacity_ : 31 = 0;
     uint32_t borrowed_ : 1 = 0;
 };
