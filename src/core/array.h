@@ -181,12 +181,9 @@ public:
     }
 
     /// Pinned: threads that write different elements at the same time do no harm to each other.
-    /// Answers what it was. Copies are never pinned.
-    bool pin(bool pinned) {
-        const bool before = pinned_ != 0;
-        pinned_ = pinned;
-        return before;
-    }
+    /// Copies are never pinned.
+    void pin(bool pinned) { pinned_ = pinned; }
+    bool isPinned() const { return pinned_ != 0; }
 
     /// Gives up what it holds and starts on `buffer`, which the caller owns, which holds `count`
     /// live elements and room for `capacity`, and which outlives this use of it.

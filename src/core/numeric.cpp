@@ -110,6 +110,12 @@ void Numeric::purge() {
     size_ = 1;
 }
 
+void Numeric::pin(bool pinned) {
+    // Elements that are still shared with other values get memory of their own first.
+    if (pinned) withElementType(type_, [this]<typename T>() { refValues<T>(); });
+    eachSlot([pinned](auto& array) { array.pin(pinned); });
+}
+
 uint64_t Numeric::estimatedSize() const {
     uint64_t bytes = 0;
     const_cast<Numeric*>(this)->eachSlot(

@@ -89,7 +89,8 @@ void Node::onRemovingFromScene() {
     }
     destroyWeftNode();
     destroyNodePins();
-    if (isCompound() && GraphScene::removeNodeCallback_) {
+    const bool isTold = !scene || scene->isTold();
+    if (isCompound() && isTold && GraphScene::removeNodeCallback_) {
         GraphScene::removeNodeCallback_(scene, getNodeOwner(), this);
     }
 }
@@ -105,7 +106,8 @@ void Node::setName(const TM_String& name) {
         storeName(name);
     }
     if (SL_GraphScene* scene = getScene()) scene->nodeRenamed(this, before);
-    if (weftNode_ && SceneManager::node_renamedCallback_) {
+    const bool isTold = !getScene() || getScene()->isTold();
+    if (weftNode_ && isTold && SceneManager::node_renamedCallback_) {
         SceneManager::node_renamedCallback_(getName());
     }
 }

@@ -9,6 +9,7 @@
 #include "core/host_node_value.h"
 #include "graph/scene_manager.h"
 #include "graph/suffix_index.h"
+#include "platform/thread.h"
 
 namespace tidemark::sluice::graph {
 
@@ -62,7 +63,7 @@ bool SL_GraphScene::addNodeToGraph(GraphNodeBase* graphNode) {
     if (!node) return GraphScene::addNodeToGraph(graphNode);
     if (node->getGraphScene() == this && getNodePtrById(node->getId()) == node) return true;
     node->setGraphScene(this);
-    if (addNodeCallback_ && node->getNodeOwner()) {
+    if (addNodeCallback_ && isTold() && node->getNodeOwner()) {
         addNodeCallback_(this, node->getNodeOwner(), node);
     }
     node->onAddingToScene();
@@ -203,7 +204,10 @@ GraphNodePin* SL_GraphScene::createCompoundPinForInterfacePin(GraphNodePin* inte
 // The scene as a whole.
 
 void SL_GraphScene::clear() {
-    SceneManager::instance().disconnectCallbacks();
+    // The callbacks belong to the process. A worker that ends a scene of its own leaves them alone,
+    // because others run meanwhile.
+    const bool isWorker = platform::Thread::isWorker();
+    if (!isWorker) SceneManager::instance().disconnectCallbacks();
     setCacheDisabled(true, false);
     networkManager().setTearingDown(true);
     suffixes_.reset();
@@ -213,7 +217,7 @@ void SL_GraphScene::clear() {
     setCacheDisabled(false, false);
     arrImportedNodes_.reset();
     arrImportedConnections_.reset();
-    SceneManager::instance().setupCallbacks();
+    if (!isWorker) SceneManager::instance().setupCallbacks();
 }
 
 void SL_GraphScene::purge() {

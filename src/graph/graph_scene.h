@@ -52,6 +52,8 @@ public:
     /// Exists as long as the library is loaded.
     static SL_GraphScene mainGraph_;
 
+    bool isTold() const override { return !networkManager().isPrivate(); }
+
     ScenePrivate* getScenePrivate() const { return scenePrivate_; }
     weft::NetworkManager& networkManager() const { return scenePrivate_->networkManager; }
     void registerAtSceneManager();

@@ -45,7 +45,9 @@ void SL_GraphScene::runGuarded(Step step) {
         noteEnd(isInterrupt           ? RunOutcome::interrupted
                 : exception.isQuiet() ? RunOutcome::quietCancel
                                       : RunOutcome::exception);
-        if (!exception.isQuiet()) center.Post(id::runException, exception.message());
+        // Whose run this one is a part of reports an interrupt once for all.
+        const bool isReportedAbove = isInterrupt && networkManager().isPrivate();
+        if (!exception.isQuiet() && !isReportedAbove) center.Post(id::runException, exception.message());
     } catch (const std::bad_alloc&) {
         noteEnd(RunOutcome::outOfMemory);
         center.Post(id::outOfMemory);

@@ -18,11 +18,11 @@ protected:
         array.append(1);
         array.append(2);
         block = array.data();
-        EXPECT_FALSE(array.pin(true));
+        array.pin(true);
     }
     ~PinnedArrayTest() override {
         EXPECT_EQ(array.data(), block);
-        EXPECT_TRUE(array.pin(false));
+        EXPECT_TRUE(array.isPinned());
     }
     Array<int> array;
     const int* block = nullptr;
@@ -66,7 +66,7 @@ TEST_F(PinnedArrayTest, CopyIsNotPinned) {
     Array<int> copy(array);
     copy.resize(100);
     EXPECT_EQ(copy[1], 2);
-    EXPECT_FALSE(copy.pin(false));
+    EXPECT_FALSE(copy.isPinned());
 }
 
 } // namespace

@@ -97,7 +97,7 @@ void GraphScene::insertNodeInMapById(unsigned id, GraphNodeBase* node) { nodes_.
 bool GraphScene::addNodeToGraph(GraphNodeBase* node) {
     if (!node) return false;
     node->setGraphScene(this);
-    if (addNodeCallback_ && node->getNodeOwner())
+    if (addNodeCallback_ && isTold() && node->getNodeOwner())
         addNodeCallback_(this, node->getNodeOwner(), node);
     if (node->getId() == 0 || nodes_.contains(node->getId())) node->setId(getFreeNodeId());
     insertNodeInMapById(node->getId(), node);
@@ -241,7 +241,7 @@ GraphConnection* GraphScene::connectBase(GraphNodePin* source, GraphNodePin* tar
     if (!connection) return nullptr;
     source->addOutputConnection(connection);
     target->addInputConnection(connection);
-    if (addConnectionCallback_) {
+    if (addConnectionCallback_ && isTold()) {
         addConnectionCallback_(this, ownerOfSource(connection), connection);
     }
     return connection;
@@ -277,7 +277,7 @@ bool GraphScene::isListed(const GraphConnection* connection) const {
 }
 
 void GraphScene::notifyConnectionRemoved(GraphConnection* connection) {
-    if (removeConnectionCallback_) {
+    if (removeConnectionCallback_ && isTold()) {
         removeConnectionCallback_(this, ownerOfSource(connection), connection);
     }
 }

@@ -49,6 +49,9 @@ public:
     GraphScene& operator=(const GraphScene&) = delete;
     ~GraphScene() override;
 
+    /// False for a scene that the host does not know of: changes of it are told to nobody.
+    virtual bool isTold() const { return true; }
+
     // --- what is there -------------------------------------------------------------------------
 
     virtual GraphNodeBase* getNodePtrById(unsigned id) const;
