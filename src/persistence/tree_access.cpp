@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reading the elements of a graph file from its document model.
+// Reading and making the elements of a graph file from its document model.
 #include "persistence/tree_access.h"
 
 #include <boost/property_tree/ptree.hpp>
@@ -36,6 +36,16 @@ bool forEachNamed(const PropertyTree& element, const char* list, const char* ite
     forEach(*items, item,
             [&](const PropertyTree& found) { step(childText(found, "name"), found); });
     return true;
+}
+
+Document makeDocument() { return std::make_shared<PropertyTree>(); }
+
+PropertyTree& append(PropertyTree& element, const char* key, const TM_String& text) {
+    return element.push_back({key, PropertyTree(text)})->second;
+}
+
+PropertyTree* refChild(PropertyTree& element, const char* key) {
+    return const_cast<PropertyTree*>(child(element, key));
 }
 
 } // namespace tidemark::sluice::graph::tree

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reading the elements of a graph file from its document model, without that model's headers.
+// Reading and making elements of a graph file's document model, without that model's headers.
 //
 //     tree::forEachNamed(node, "inputs", "input",
 //                        [&](const TM_String& name, const PropertyTree& input) { ... });
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include "core/export.h"
 #include "core/text.h"
@@ -35,5 +36,16 @@ SLUICE_API void forEach(const PropertyTree& element, const char* key, const Elem
 /// when there is no such list.
 SLUICE_API bool forEachNamed(const PropertyTree& element, const char* list, const char* item,
                              const NamedStep& step);
+
+/// A document of its own, held by who does not know the model's headers.
+using Document = std::shared_ptr<PropertyTree>;
+
+SLUICE_API Document makeDocument();
+
+/// Adds an element at the end. Valid until the next one is added beside it.
+SLUICE_API PropertyTree& append(PropertyTree& element, const char* key, const TM_String& text = {});
+
+/// As `child`, to add to what is there.
+SLUICE_API PropertyTree* refChild(PropertyTree& element, const char* key);
 
 } // namespace tidemark::sluice::graph::tree

@@ -2,10 +2,9 @@
 // What a kernel copies: which nodes, which wires, and what stands for what lies outside.
 #include "nodes/control/kernel_plan.h"
 
-#include <boost/property_tree/ptree.hpp>
-
 #include "nodes/control/compound.h"
 #include "nodes/control/kernel.h"
+#include "persistence/tree_access.h"
 
 namespace weft {
 
@@ -14,26 +13,23 @@ namespace {
 using tidemark::graph::GraphConnection;
 using tidemark::graph::GraphNodeBase;
 using tidemark::sluice::graph::PropertyTree;
+namespace tree = tidemark::sluice::graph::tree;
 
 constexpr uint32_t ownOutputsOfVars = 3; // element, thread id, index
-
-PropertyTree& append(PropertyTree& tree, const char* name) {
-    return tree.push_back({name, PropertyTree()})->second;
-}
 
 // A stand-in with a pin per attribute. Pins are known by their places, so a name that comes twice
 // or that the node uses itself may be changed.
 void appendStandIn(PropertyTree& nodes, const TM_String& name, const char* type,
                    const char* listName, const char* itemName,
                    const std::vector<Attribute*>& attributes, std::unordered_set<TM_String> taken) {
-    PropertyTree& node = append(nodes, "node");
-    node.push_back({"name", PropertyTree(name)});
-    node.push_back({"type", PropertyTree(type)});
-    PropertyTree& list = append(node, listName);
+    PropertyTree& node = tree::append(nodes, "node");
+    tree::append(node, "name", name);
+    tree::append(node, "type", type);
+    PropertyTree& list = tree::append(node, listName);
     for (const Attribute* attribute : attributes) {
         TM_String pinName = attribute->name();
         while (!taken.insert(pinName).second) pinName = NestedObject::nextName(pinName);
-        append(list, itemName).push_back({"name", PropertyTree(pinName)});
+        tree::append(tree::append(list, itemName), "name", pinName);
     }
 }
 
@@ -48,7 +44,7 @@ uint32_t placeOf(const Pins& pins, const Attribute& attribute) {
 } // namespace
 
 KernelPlan::KernelPlan(const Kernel& kernel, const Array<Attribute*>& attributes)
-    : kernel_(kernel), compound_(*kernel.parent()), tree_(std::make_unique<PropertyTree>()) {
+    : kernel_(kernel), compound_(*kernel.parent()), tree_(tree::makeDocument()) {
     for (Attribute* attribute : attributes) classify(*attribute);
     addWhatNodesRead();
     const GraphNode* compound = kernel_.scene()->nodeOf(&compound_);
@@ -127,7 +123,7 @@ void KernelPlan::addWhatNodesRead() {
 }
 
 void KernelPlan::writeTree() {
-    PropertyTree& scene = append(*tree_, "scene");
+    PropertyTree& scene = tree::append(*tree_, "scene");
     const GraphNode* compound = kernel_.scene()->nodeOf(&compound_);
     const Array<GraphNodeBase*> written = [&] {
         Array<GraphNodeBase*> list;
@@ -135,7 +131,7 @@ void KernelPlan::writeTree() {
         return list;
     }();
     kernel_.scene()->writeNodes_toBoostPropertyTree(scene, compound, written);
-    PropertyTree& nodes = scene.get_child("nodes");
+    PropertyTree& nodes = *tree::refChild(scene, "nodes");
     appendStandIn(nodes, kernel_.name(), "KernelVars", "outputs", "output", variables_,
                   {"element", "thread id", "index"});
     appendStandIn(nodes, "kernelEvaluator", "Evaluator", "inputs", "input", outletInputs_, {});

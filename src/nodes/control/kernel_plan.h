@@ -74,7 +74,7 @@ private:
 
     const Kernel& kernel_;
     Node& compound_;
-    std::unique_ptr<PropertyTree> tree_;
+    std::shared_ptr<PropertyTree> tree_;
     std::vector<GraphNode*> roots_;
     std::vector<GraphNode*> nodes_;
     std::vector<Attribute*> variables_;
