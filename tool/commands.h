@@ -35,6 +35,14 @@ struct ConvertOptions {
 };
 int convertGraph(const ConvertOptions& options);
 
+struct DiffOptions {
+    std::string a;
+    std::string b;
+    bool json = false;
+    bool ignoresLayout = false;
+};
+int diffGraphs(const DiffOptions& options);
+
 /// One sub-command's words for the completion scripts.
 struct CommandWords {
     std::string name;

@@ -22,7 +22,7 @@ constexpr const char* exitStatusHelp =
     "Exit status:\n"
     "  0    done; nothing at or above the failing level was reported\n"
     "  1    it ran, but something was reported at or above the failing level (see --fail-on),\n"
-    "       or an exception ended the run; for check: findings\n"
+    "       or an exception ended the run; for check: findings; for diff: differences\n"
     "  2    bad command line, or a file that can not be read or written at all\n"
     "  3    a memory or element limit was hit\n"
     "  124  the time of --timeout was over\n"

@@ -34,6 +34,7 @@ struct CommandLine {
     CheckOptions check;
     std::string checkFailLevel = "error";
     ConvertOptions convert;
+    DiffOptions diff;
     CompletionOptions completion;
     bool noColor = false;
 };
@@ -142,6 +143,12 @@ void addFileCommands(CLI::App& app, CommandLine& line) {
         addCommand(app, line, "convert", "Read a graph and write it in today's form");
     convert->add_option("IN", line.convert.in, "The graph's file")->required();
     convert->add_option("OUT", line.convert.out, "The file to write")->required();
+
+    CLI::App* diff = addCommand(app, line, "diff", "Tell what differs between two graphs");
+    diff->add_option("A", line.diff.a, "The one graph's file")->required();
+    diff->add_option("B", line.diff.b, "The other graph's file")->required();
+    diff->add_flag("--no-layout", line.diff.ignoresLayout, "Do not compare positions and notes");
+    diff->add_flag("--json", line.diff.json, "Print one JSON document");
 }
 
 void addCompletion(CLI::App& app, CommandLine& line) {
@@ -266,6 +273,7 @@ int runCommand(const CLI::App& app, const CLI::App& command, const CommandLine& 
     if (name == "describe") return describeType(line.describe);
     if (name == "check") return checkGraph(line.check);
     if (name == "convert") return convertGraph(line.convert);
+    if (name == "diff") return diffGraphs(line.diff);
     if (line.completion.shell.empty() && line.completion.pinsOf.empty()) {
         throw UsageError("sluice completion: name a shell, bash or zsh");
     }

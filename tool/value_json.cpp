@@ -21,16 +21,7 @@ using sluice::graph::Pin;
 Json toJson(int32_t number) { return number; }
 Json toJson(int64_t number) { return number; }
 
-Json toJson(float number) {
-    if (std::isnan(number)) return "nan";
-    if (std::isinf(number)) return number < 0 ? "-inf" : "inf";
-    // The shortest digits of the float, read as a double, print as the same digits.
-    char digits[32];
-    const auto end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
-    double shown = 0.0;
-    std::from_chars(digits, end, shown);
-    return shown;
-}
+Json toJson(float number) { return floatJson(number); }
 
 Json toJson(const Vector3<float>& v) { return {toJson(v.x), toJson(v.y), toJson(v.z)}; }
 Json toJson(const Color4<float>& c) { return {toJson(c.r), toJson(c.g), toJson(c.b), toJson(c.a)}; }
@@ -111,6 +102,17 @@ Json hostObjectsJson(const weft::HostNodeValue& value) {
 }
 
 } // namespace
+
+Json floatJson(float number) {
+    if (std::isnan(number)) return "nan";
+    if (std::isinf(number)) return number < 0 ? "-inf" : "inf";
+    // The shortest digits of the float, read as a double, print as the same digits.
+    char digits[32];
+    const auto end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
+    double shown = 0.0;
+    std::from_chars(digits, end, shown);
+    return shown;
+}
 
 Json valueJson(const Pin& pin) {
     const weft::Attribute* attribute = pin.getWeftAttribute();

@@ -18,8 +18,10 @@ class Pin;
 
 namespace tidemark::tool {
 
-/// What the pin holds: always a list, empty without a value or a type. Floats are the shortest
-/// numbers that read back as the same float; infinities and not-a-number are "inf", "-inf", "nan".
+/// The shortest number that reads back as the same float; "inf", "-inf" or "nan".
+Json floatJson(float number);
+
+/// What the pin holds: always a list, empty without a value or a type. Floats as of `floatJson`.
 Json valueJson(const sluice::graph::Pin& pin);
 
 /// {"pin", "type", "size", "value"}; `name` is the full name to show.

@@ -7,7 +7,7 @@
 namespace sluice_test {
 namespace {
 
-const Words commands{"run", "nodes", "describe", "check", "convert", "completion"};
+const Words commands{"run", "nodes", "describe", "check", "convert", "diff", "completion"};
 
 bool holds(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
@@ -103,7 +103,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{{"run", "g.xml", "--max-elements", "0"}, "above 0"},
         Refusal{{"run", "g.xml", "--root", ".", "--trust"}, "excludes"},
         Refusal{{"describe"}, "TYPE is required"}, Refusal{{"convert", "a.xml"}, "OUT is required"},
-        Refusal{{"completion"}, "bash or zsh"}, Refusal{{"completion", "fish"}, "fish"}));
+        Refusal{{"diff", "a.xml"}, "B is required"}, Refusal{{"completion"}, "bash or zsh"},
+        Refusal{{"completion", "fish"}, "fish"}));
 
 // --- files that are no graphs --------------------------------------------------------------------
 
@@ -143,6 +144,7 @@ TEST_P(NoGraph, StillGivesOneDocument) {
 TEST_P(NoGraph, ConvertsToNothing) {
     file("out.xml", "precious");
     EXPECT_EQ(sluice({"convert", GetParam(), "out.xml"}).status, 2);
+    EXPECT_EQ(sluice({"diff", GetParam(), GetParam()}).status, 2);
     EXPECT_EQ(read("out.xml"), "precious");
 }
 

@@ -42,7 +42,7 @@ TEST_F(CompletionTest, ScriptsKnowCommandsOptionsAndTypes) {
         EXPECT_EQ(ended.status, 0);
         EXPECT_EQ(ended.err, "");
         for (const char* word :
-             {"run", "nodes", "describe", "check", "convert", "completion", "--set-file",
+             {"run", "nodes", "describe", "check", "convert", "diff", "completion", "--set-file",
               "--max-memory", "--fail-on", "Evaluator", "StringConcat2"}) {
             EXPECT_TRUE(holds(ended.out, word)) << shell << " " << word;
         }
