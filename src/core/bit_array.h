@@ -66,9 +66,8 @@ public:
     const Array<uint32_t>& words() const { return words_; }
     /// For writing; the count of words belongs to `resize`.
     uint32_t* wordData() { return words_.data(); }
-    /// As `Array::pin`.
-    void pin(bool pinned) { words_.pin(pinned); }
-    bool isPinned() const { return words_.isPinned(); }
+    void pin(bool pinned) override { words_.pin(pinned); }
+    bool isPinned() const override { return words_.isPinned(); }
     uint64_t bitCapacity() const { return uint64_t(words_.capacity()) * bitsPerWord; }
 
 private:

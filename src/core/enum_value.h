@@ -38,6 +38,8 @@ public:
     /// Key 0 alone is chosen; the options stay, they belong to the declaration of the port.
     void purge() override;
     uint64_t estimatedSize() const override;
+    void pin(bool pinned) override { keys_.pin(pinned); }
+    bool isPinned() const override { return keys_.isPinned(); }
 
     const Array<int32_t>& keys() const { return keys_; }
     Array<int32_t>& refKeys() { return keys_; }

@@ -164,9 +164,8 @@ public:
         return valueAt<T>(0);
     }
     void setSize(uint32_t count) { size_ = count; }
-    /// As `Array::pin`, for all element types.
-    void pin(bool pinned);
-    bool isPinned() const { return integers_.isPinned(); }
+    void pin(bool pinned) override;
+    bool isPinned() const override { return integers_.isPinned(); }
 
 private:
     static constexpr std::size_t inlineBytes = 16;

@@ -31,6 +31,8 @@ public:
     }
     void purge() override { becomeDefault(); }
     uint64_t estimatedSize() const override { return uint64_t(elements_.capacity()) * sizeof(T); }
+    void pin(bool pinned) override { elements_.pin(pinned); }
+    bool isPinned() const override { return elements_.isPinned(); }
 
     virtual const Array<T>& values() const { return elements_; }
     /// For writing. Who lets the array grow calls `limits::checkElements` before.

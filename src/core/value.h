@@ -31,6 +31,11 @@ public:
     /// Bytes held.
     virtual uint64_t estimatedSize() const { return 0; }
     virtual uint64_t checkSum() const { return size(); }
+    /// Pinned: the value may be used by several threads as long as no two of them write the same
+    /// element. What would move its elements to other memory, `purge` included, throws
+    /// `tidemark::PinnedArray`. Classes without elements of their own ignore it.
+    virtual void pin(bool pinned) { (void)pinned; }
+    virtual bool isPinned() const { return false; }
     /// Resizes `mask` to `size()` bits and sets a bit for each null element.
     virtual void nullMask(BitArrayValue& mask) const;
 

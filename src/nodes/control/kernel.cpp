@@ -7,7 +7,6 @@
 #include <set>
 #include <vector>
 
-#include "core/bit_array.h"
 #include "core/string_value.h"
 #include "core/update_scope.h"
 #include "graph/define_node.h"
@@ -129,31 +128,24 @@ private:
     uint32_t next_ = 0xffffffffu; // nothing to do
 };
 
-// The values that the copies write to in place stay where they are for a while.
+// The values that the copies share stay where they are for a while.
 class PinnedValues {
 public:
     PinnedValues() = default;
     ~PinnedValues() {
-        for (Value* value : pinned_) setPinned(*value, false);
+        for (Value* value : pinned_) value->pin(false);
     }
     PinnedValues(const PinnedValues&) = delete;
     PinnedValues& operator=(const PinnedValues&) = delete;
 
     // One that is pinned already is shared by the threads of a kernel around this one.
     void add(Value& value) {
-        const auto* number = valueAs<Numeric>(&value);
-        const auto* bits = valueAs<BitArrayValue>(&value);
-        if ((number && number->isPinned()) || (bits && bits->isPinned())) return;
-        setPinned(value, true);
+        if (value.isPinned()) return;
+        value.pin(true);
         pinned_.push_back(&value);
     }
 
 private:
-    static void setPinned(Value& value, bool pinned) {
-        if (auto* number = valueAs<Numeric>(&value)) number->pin(pinned);
-        if (auto* bits = valueAs<BitArrayValue>(&value)) bits->pin(pinned);
-    }
-
     std::vector<Value*> pinned_;
 };
 
@@ -268,7 +260,7 @@ void Kernel::runShares(const KernelPlan& plan, const std::vector<KernelShare>& s
     {
         const SharedNetwork shared(manager);
         PinnedValues pinned;
-        for (Value* value : clones.back()->sharedWrites()) pinned.add(*value);
+        for (Value* value : clones.back()->sharedValues()) pinned.add(*value);
         runThreads(clones, array_->numeric());
     }
     takeResults(clones);

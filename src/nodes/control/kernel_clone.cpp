@@ -179,10 +179,8 @@ void KernelClone::shareVariable(const Attribute& variable, Attribute& copy) {
     Value* const outside = variable.currentValue();
     if (!outside) return;
     Value* inside = outside;
-    if (!alone_ && writerInPlace(copy)) {
-        if (isPlain(*outside)) {
-            sharedWrites_.push_back(outside);
-        } else if (const Stand* known = standFor(*outside)) {
+    if (!alone_ && !isPlain(*outside) && writerInPlace(copy)) {
+        if (const Stand* known = standFor(*outside)) {
             inside = known->inside;
         } else if (Value* own = privateCopy(copy, *outside)) {
             inside = own;
@@ -190,6 +188,7 @@ void KernelClone::shareVariable(const Attribute& variable, Attribute& copy) {
         }
     }
     copy.setValue(inside);
+    if (!alone_ && inside == outside) sharedValues_.push_back(outside);
 }
 
 // Where several threads run, each has a result of its own, and the last one's counts.

@@ -25,7 +25,7 @@ struct KernelShare {
 class KernelClone {
 public:
     /// `alone`: no other thread runs at the same time, so the copy works on all values at the
-    /// compound's walls themselves. Otherwise see `sharedWrites` and `KernelResults`.
+    /// compound's walls themselves. Otherwise see `stands` and `sharedValues`.
     KernelClone(const KernelPlan& plan, const KernelShare& share, bool alone);
     ~KernelClone();
 
@@ -40,8 +40,8 @@ public:
         bool isResult; ///< computed anew for each element, not written in place
     };
     const std::vector<Stand>& stands() const { return stands_; }
-    /// Values of the outside that nodes of this copy may write to in place. Several threads do so.
-    const std::vector<Value*>& sharedWrites() const { return sharedWrites_; }
+    /// Values of the outside that this copy uses beside others.
+    const std::vector<Value*>& sharedValues() const { return sharedValues_; }
 
     /// The messages of the copy's nodes, each once, by the node's place in the plan.
     using Reports = std::vector<std::pair<uint32_t, tidemark::graph::Message>>;
@@ -78,7 +78,7 @@ private:
     GraphNode* evaluatorNode_ = nullptr;
     KernelVars* vars_ = nullptr;
     std::vector<Stand> stands_;
-    std::vector<Value*> sharedWrites_;
+    std::vector<Value*> sharedValues_;
     Reports reports_;
     std::set<std::pair<uint32_t, TM_String>> reported_;
 };
