@@ -4,18 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <locale>
 #include <map>
 #include <random>
 
 #include "core/string_value.h"
 #include "persistence/files.h"
 #include "persistence/graph_parsing_helper.h"
+#include "support/comma_locale.h"
 #include "support/recording_host.h"
 #include "support/scene_builder.h"
 
 using namespace tidemark;
 using namespace tidemark::sluice::graph;
+using support::CommaLocale;
 using support::Names;
 using support::RecordingHost;
 using support::SceneBuilder;
@@ -163,32 +164,6 @@ std::string roundTrip(unsigned seed) {
     EXPECT_EQ(valuesOf(again), valuesOf(graph.build.scene)) << seed;
     return text;
 }
-
-// What streams ask how numbers look.
-struct CommaNumbers : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-// The process counts with a comma while this lives, in C and in C++.
-class CommaLocale {
-public:
-    CommaLocale() : name_(std::setlocale(LC_ALL, nullptr)) {
-        isSet_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-        global_ = std::locale::global(std::locale(std::locale(), new CommaNumbers));
-    }
-    ~CommaLocale() {
-        std::locale::global(global_);
-        std::setlocale(LC_ALL, name_.c_str());
-    }
-    bool isSet() const { return isSet_; }
-
-private:
-    std::string name_;
-    std::locale global_;
-    bool isSet_ = false;
-};
 
 } // namespace
 
