@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -44,6 +45,7 @@ public:
     void post(int id, const Array<TM_String>& arguments) override {
         std::string line = std::to_string(id);
         for (const TM_String& argument : arguments) line += "|" + argument;
+        const std::lock_guard<std::mutex> lock(mutex_); // workers post as well
         posts.push_back(line);
     }
     void stopSimulation() override { ++stops; }
@@ -52,6 +54,9 @@ public:
     std::vector<std::string> posts; // "id|first argument|second argument"
     int stops = 0;
     bool sleeps = true;
+
+private:
+    std::mutex mutex_;
 };
 
 /// Paths begin below the root: "C.A.in0".
