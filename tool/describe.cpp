@@ -3,6 +3,7 @@
 #include "tool/commands.h"
 #include "tool/console.h"
 #include "tool/exit_status.h"
+#include "tool/library.h"
 #include "tool/node_json.h"
 
 namespace tidemark::tool {
@@ -55,8 +56,12 @@ std::string nodeText(const Json& node) {
 } // namespace
 
 int describeType(const DescribeOptions& options) {
+    host::StandaloneHost host;
+    bridge::setHost(&host);
+    registerLibraries();
     TypeExplorer explorer;
     Json node = explorer.describe(factoryOf(options.type));
+    printReports(host);
     if (node["type"] != options.type) {
         console::line("\"" + options.type + "\" is \"" + node["type"].get<std::string>() + "\"");
     }

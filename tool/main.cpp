@@ -9,6 +9,7 @@
 #include "tool/console.h"
 #include "tool/exit_status.h"
 #include "tool/interrupts.h"
+#include "tool/library.h"
 #include "tool/run_options.h"
 
 namespace tidemark::tool {
@@ -36,6 +37,7 @@ struct CommandLine {
     ConvertOptions convert;
     DiffOptions diff;
     CompletionOptions completion;
+    std::vector<std::string> libraries;
     bool noColor = false;
 };
 
@@ -52,18 +54,21 @@ void addRunPins(CLI::App& app, RunOptions& run) {
                    "Set a pin before the run: PIN=VALUE, or PIN:TYPE=VALUE; repeatable")
         ->expected(1)
         ->take_all()
+        ->allow_extra_args(false)
         ->type_name("PIN=VALUE");
     app.add_option("--set-file", run.settingFile, "Set the pins of a JSON object, before any --set")
         ->type_name("FILE");
     app.add_option("--get", run.getPins, "Print what a pin holds after the run; repeatable")
         ->expected(1)
         ->take_all()
+        ->allow_extra_args(false)
         ->type_name("PIN");
     app.add_option("--pull", run.pullPins,
                    "Evaluate an output as if an evaluator were wired to it, and print it; "
                    "repeatable")
         ->expected(1)
         ->take_all()
+        ->allow_extra_args(false)
         ->type_name("PIN");
 }
 
@@ -112,6 +117,13 @@ CLI::App* addCommand(CLI::App& app, CommandLine& line, const char* name, const c
     command->set_version_flag("--version", versionText, "Print the version");
     command->footer(exitStatusHelp);
     command->add_flag("--no-color", line.noColor, "Use no colours, even on a terminal");
+    command
+        ->add_option("--library", line.libraries,
+                     "Offer every graph file below a folder as a node type; repeatable")
+        ->expected(1)
+        ->take_all()
+        ->allow_extra_args(false)
+        ->type_name("DIR");
     command->allow_extras();
     return command;
 }
@@ -304,6 +316,7 @@ int parseAndRun(int argc, char** argv) {
     const std::vector<std::string> unexpected = command.remaining();
     if (!unexpected.empty()) refuseWord(app, command, unexpected.front());
     if (line.noColor) console::forbidColor();
+    setLibraries(line.libraries);
     finishOptions(line);
     return runCommand(app, command, line);
 }

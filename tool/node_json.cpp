@@ -5,6 +5,7 @@
 #include "core/enum_value.h"
 #include "core/numeric.h"
 #include "graph/scene_manager.h"
+#include "persistence/tree_access.h"
 #include "tool/exit_status.h"
 #include "tool/value_json.h"
 
@@ -72,13 +73,28 @@ NodeFactory& factoryOf(const std::string& type) {
                      (nearest.empty() ? "" : " (did you mean \"" + nearest + "\"?)"));
 }
 
+// A type that is a file is made by reading a graph that names it.
+NodeBase* TypeExplorer::makeNode(NodeFactory& factory) {
+    const TM_String& type = factory.getDescriptor().getTypeName();
+    if (NodeBase* node = factory.createNode()) {
+        scene_.addNodeToGraph(node);
+        node->setNodeOwner(scene_.getRootNode());
+        return node;
+    }
+    namespace tree = sluice::graph::tree;
+    const tree::Document element = tree::makeDocument();
+    tree::append(*element, "name", type);
+    tree::append(*element, "type", type);
+    const Optional<NodeBase*> read =
+        scene_.readNode_fromBoostPropertyTree(*element, "root", nullptr);
+    return read ? *read : nullptr;
+}
+
 Json TypeExplorer::describe(NodeFactory& factory) {
-    NodeBase* node = factory.createNode();
+    NodeBase* node = makeNode(factory);
     if (!node)
         throw UsageError("no node of type \"" + factory.getDescriptor().getTypeName() +
                          "\" can be made");
-    scene_.addNodeToGraph(node);
-    node->setNodeOwner(scene_.getRootNode());
     Json json;
     json["type"] = factory.getDescriptor().getTypeName();
     json["category"] = mainCategory(factory);

@@ -17,6 +17,8 @@ public:
     Json describe(sluice::graph::NodeFactory& factory);
 
 private:
+    sluice::graph::NodeBase* makeNode(sluice::graph::NodeFactory& factory);
+
     sluice::graph::SL_GraphScene scene_;
 };
 

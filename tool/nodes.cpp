@@ -6,6 +6,7 @@
 #include "tool/commands.h"
 #include "tool/console.h"
 #include "tool/exit_status.h"
+#include "tool/library.h"
 #include "tool/node_json.h"
 
 namespace tidemark::tool {
@@ -71,6 +72,9 @@ void printTable(const Json& nodes) {
 } // namespace
 
 int listNodes(const NodesOptions& options) {
+    host::StandaloneHost host;
+    bridge::setHost(&host);
+    registerLibraries();
     TypeExplorer explorer;
     Json nodes = Json::array();
     for (NodeFactory* factory : SceneManager::instance().getArrNodeFactory()) {
@@ -79,6 +83,7 @@ int listNodes(const NodesOptions& options) {
             nodes.push_back(std::move(node));
         }
     }
+    printReports(host);
     if (nodes.empty() && !options.category.empty()) hintAtCategory(options.category);
     if (options.json) {
         console::out(document({{"schema", "sluice.nodes/1"}, {"nodes", std::move(nodes)}}));

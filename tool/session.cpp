@@ -5,8 +5,10 @@
 #include <filesystem>
 
 #include "persistence/graph_parsing_helper.h"
+#include "tool/console.h"
 #include "tool/exit_status.h"
 #include "tool/interrupts.h"
+#include "tool/library.h"
 #include "tool/progress.h"
 
 namespace tidemark::tool {
@@ -29,6 +31,7 @@ void tellProgress(const char*, uint64_t done, uint64_t total) {
 } // namespace
 
 bool readGraph(const std::string& path, Graph& graph, Progress* progress) {
+    registerLibraries();
     graph.path = path;
     readingProgress = progress;
     GraphParsingHelper::readProgress_ = progress ? tellProgress : nullptr;
@@ -47,6 +50,12 @@ void writeGraph(Graph& graph, const std::string& path, bool readingLost) {
     TM_String unused;
     if (!GraphParsingHelper::write_XML_base_static(true, path, graph.scene, graph.layout, unused)) {
         throw UsageError("\"" + path + "\" could not be written");
+    }
+}
+
+void printReports(host::StandaloneHost& host) {
+    for (const host::StandaloneHost::Report& report : host.takeReports()) {
+        console::report(tidemark::graph::messageLevelWarning, report.text);
     }
 }
 

@@ -25,8 +25,10 @@ std::string withoutLists(const PackedXml& document) {
     return text;
 }
 
-Optional<XmlProblem> readLists(const PackedXml& document, SL_GraphScene& scene) {
+Optional<XmlProblem> readLists(const PackedXml& document, SL_GraphScene& scene,
+                               const TM_String* file) {
     SceneReader reader(scene);
+    if (file) reader.setFile(*file);
     reader.readNodes(document, true);
     if (!reader.isEnded()) reader.readConnections(document);
     if (reader.problem()) return reader.problem();
@@ -38,7 +40,7 @@ Optional<XmlProblem> readDocument(bool isFile, const TM_String& pathOrText, SL_G
                                   GraphLayout* layout) {
     PackedXml document;
     if (Optional<XmlProblem> problem = loadXml(isFile, pathOrText, document)) return problem;
-    const Optional<XmlProblem> problem = readLists(document, scene);
+    const Optional<XmlProblem> problem = readLists(document, scene, isFile ? &pathOrText : nullptr);
     if (layout) {
         PropertyTree rest;
         if (Optional<XmlProblem> bad = XmlTreeParser().parse(withoutLists(document), rest)) {

@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <boost/property_tree/ptree.hpp>
+#include <filesystem>
 
 #include "bridge/host.h"
 #include "graph/node_factory.h"
 #include "graph/scene_manager.h"
+#include "persistence/compound_file.h"
 #include "persistence/graph_parsing_helper.h"
 #include "persistence/tree_access.h"
+#include "persistence/xml_document.h"
 
 namespace tidemark::sluice::graph {
 
@@ -68,7 +71,8 @@ Optional<SceneReader::Begun> SceneReader::beginNode(const PropertyTree& tree,
         if (isRefused(lower, atRoot, begun.fullName, type)) return {};
         // Evaluators inside of compounds are what interface nodes were once called.
         const bool isOldInterface = lower == "evaluator" && !atRoot;
-        begun.node = makeNode(tree, isOldInterface ? "CompoundInterface" : type, begun, parent);
+        begun.node =
+            makeNode(tree, isOldInterface ? "CompoundInterface" : type, begun, prefix, parent);
         if (!begun.node) return {};
     }
     TM_String nameNow = begun.node->getFullName();
@@ -79,14 +83,19 @@ Optional<SceneReader::Begun> SceneReader::beginNode(const PropertyTree& tree,
 }
 
 NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type, const Begun& begun,
-                                NodeBase* parent) {
+                                const TM_String& prefix, NodeBase* parent) {
     if (!mayMakeNode()) return nullptr;
     NodeFactory* const factory = SceneManager::instance().getNodeFactoryFromType(type);
-    NodeBase* const node = factory ? factory->createNode() : nullptr;
-    if (!node) {
-        reportUnknownType(type, begun.fullName);
-        return nullptr;
+    if (auto* file = dynamic_cast<RefToPathNodeFactory*>(factory)) {
+        return makeReference(*file, tree::childText(tree, "name"), begun, prefix, parent);
     }
+    NodeBase* const node = factory ? factory->createNode() : nullptr;
+    if (node) return makeBuiltIn(tree, node, parent);
+    reportUnknownType(type, begun.fullName);
+    return nullptr;
+}
+
+NodeBase* SceneReader::makeBuiltIn(const PropertyTree& tree, NodeBase* node, NodeBase* parent) {
     ++nodesMade_;
     scene_.addNodeToGraph(node);
     node->setNodeOwner(parent ? parent : scene_.getRootNode());
@@ -97,6 +106,64 @@ NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type,
     node->setAutoAffects();
     scene_.arrImportedNodes_.append(node);
     return node;
+}
+
+// Compound files.
+
+namespace {
+
+// Files in files; beyond this depth somebody generates them.
+constexpr std::size_t mostFilesInFiles = 100;
+
+TM_String canonicalPath(const TM_String& path) {
+    std::error_code error;
+    const std::filesystem::path found = std::filesystem::weakly_canonical(path, error);
+    return error ? path : found.string();
+}
+
+} // namespace
+
+void SceneReader::setFile(const TM_String& path) { openFiles_.assign(1, canonicalPath(path)); }
+
+bool SceneReader::mayOpen(const RefToPathNodeFactory& factory, const TM_String& fullName) {
+    const TM_String path = canonicalPath(factory.getFilePath());
+    const auto refuse = [&](const char* what) {
+        reportXmlProblem(factory.getFilePath(),
+                         XmlProblem{what + (", node \"" + fullName + "\" is left out"), 0});
+        return false;
+    };
+    if (std::find(openFiles_.begin(), openFiles_.end(), path) != openFiles_.end()) {
+        return refuse("the file includes itself");
+    }
+    if (openFiles_.size() > mostFilesInFiles) return refuse("files include files too deep");
+    openFiles_.push_back(path);
+    return true;
+}
+
+NodeBase* SceneReader::makeReference(RefToPathNodeFactory& factory, const TM_String& name,
+                                     const Begun& begun, const TM_String& prefix,
+                                     NodeBase* parent) {
+    if (!mayOpen(factory, begun.fullName)) return nullptr;
+    // The file may have changed since the last reading, but not within one.
+    if (upToDate_.insert(&factory).second) factory.updatePropertyTree();
+    const auto nodes = tree::makeDocument();
+    const auto connections = tree::makeDocument();
+    const auto layout = tree::makeDocument();
+    factory.getCleanPropertyTree(name, begun.fullName, *nodes, *connections, *layout);
+    const PropertyTree* list = listOf(*nodes, "nodes");
+    const PropertyTree* element = list ? tree::child(*list, "node") : nullptr;
+    const Optional<NodeBase*> made =
+        element ? readNode(*element, prefix, parent) : Optional<NodeBase*>();
+    if (made) {
+        (*made)->setNodeOwner(parent ? parent : scene_.getRootNode());
+        (*made)->setName(name);
+        readConnections(*connections);
+        GraphLayout read;
+        GraphParsingHelper::readLayout_XML(*layout, read);
+        scene_.refXmlImportedLayout().updateWithOther(read);
+    }
+    openFiles_.pop_back();
+    return made ? *made : nullptr;
 }
 
 void SceneReader::endNode(NodeBase* node, bool hadChildren) {

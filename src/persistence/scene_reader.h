@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "graph/graph_scene.h"
 #include "persistence/packed_xml.h"
@@ -13,11 +15,16 @@
 
 namespace tidemark::sluice::graph {
 
+class RefToPathNodeFactory;
+
 /// Serves one reading. Failures are reported to the host and skipped, as the scene's operations
 /// say.
 class SceneReader {
 public:
     explicit SceneReader(SL_GraphScene& scene) : scene_(scene) {}
+
+    /// The file that the document comes from: it may not include itself.
+    void setFile(const TM_String& path);
 
     // From a tree. False when the element with the list is missing, or when the reading was ended.
 
@@ -45,7 +52,11 @@ private:
 
     Optional<Begun> beginNode(const PropertyTree& tree, const TM_String& prefix, NodeBase* parent);
     NodeBase* makeNode(const PropertyTree& tree, const TM_String& type, const Begun& begun,
-                       NodeBase* parent);
+                       const TM_String& prefix, NodeBase* parent);
+    NodeBase* makeBuiltIn(const PropertyTree& tree, NodeBase* node, NodeBase* parent);
+    NodeBase* makeReference(RefToPathNodeFactory& factory, const TM_String& name,
+                            const Begun& begun, const TM_String& prefix, NodeBase* parent);
+    bool mayOpen(const RefToPathNodeFactory& factory, const TM_String& fullName);
     void endNode(NodeBase* node, bool hadChildren);
     bool isRefused(const TM_String& lowerType, bool atRoot, const TM_String& fullName,
                    const TM_String& type);
@@ -74,6 +85,8 @@ private:
     std::size_t total_ = 0;
     uint64_t nodesMade_ = 0;
     unsigned suggestions_ = 0;
+    std::vector<TM_String> openFiles_; // the document's own, and the compound files being read
+    std::unordered_set<const RefToPathNodeFactory*> upToDate_; // read from disk by this reader
     bool ended_ = false;
     Optional<XmlProblem> problem_;
     std::unordered_map<TM_String, TM_String> nearestTypes_;

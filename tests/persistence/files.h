@@ -23,6 +23,7 @@ public:
         std::filesystem::remove_all(path_, ignored);
     }
 
+    std::string path() const { return path_.string(); }
     std::string file(const std::string& name) const { return (path_ / name).string(); }
     std::string write(const std::string& name, const std::string& content) const {
         std::ofstream(file(name), std::ios::binary) << content;

@@ -407,5 +407,14 @@ TEST_F(RunTest, ResultsDoNotDependOnTheLocale) {
     EXPECT_TRUE(holds(read("out.xml"), "<value>1.25</value>"));
 }
 
+// A repeatable option before the graph takes one word and no more.
+TEST(RunOrder, GraphMayFollowAnyOption) {
+    const std::string graph = SLUICE_EXAMPLES_DIR "/numbers.xml";
+    for (const char* option : {"--get", "--pull"}) {
+        const Ended ended = run({"run", option, "root.Position.result", graph, "--json"});
+        EXPECT_EQ(ended.status, 0) << option << ": " << ended.err;
+    }
+}
+
 } // namespace
 } // namespace sluice_test
