@@ -186,7 +186,9 @@ std::string zshAction(const std::string& option) {
     if (option == "--verbosity") return "level:(1 2 3 4 5)";
     if (option == "--category") return "category:_sluice_categories";
     if (option == "--root") return "folder:_files -/";
-    if (option == "--save" || option == "--set-file" || option == "--pins") return "file:_files";
+    for (const char* taking : {"--save", "--set-file", "--trace", "--pins"}) {
+        if (option == taking) return "file:_files";
+    }
     return "value: ";
 }
 

@@ -25,6 +25,12 @@ constexpr std::string_view eraseLine = "\r\033[K";
 
 void write(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
+// Whether what goes to stdout would appear behind the progress line.
+bool outIsTerminal() {
+    static const bool terminal = isatty(STDOUT_FILENO) != 0;
+    return terminal;
+}
+
 bool usesColor() {
     const char* noColor = std::getenv("NO_COLOR");
     return hasTerminal() && !colorForbidden && !(noColor && *noColor);
@@ -89,7 +95,19 @@ void progressLine(std::string_view text) {
     std::fflush(stderr);
 }
 
-void out(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+void out(std::string_view text) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    const bool isInTheWay = !shownProgress.empty() && outIsTerminal();
+    if (isInTheWay) {
+        write(eraseLine);
+        std::fflush(stderr);
+    }
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    if (!isInTheWay) return;
+    std::fflush(stdout);
+    write(shownProgress);
+    std::fflush(stderr);
+}
 
 void flushOut() {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return;

@@ -23,7 +23,8 @@ void report(int level, std::string_view text);
 /// Shows `text` as the rewritten last line of the terminal; empty takes it away.
 void progressLine(std::string_view text);
 
-/// Appends to stdout.
+/// Appends whole lines to stdout; on a terminal, above the progress line. May be called from any
+/// thread.
 void out(std::string_view text);
 
 /// Writes what stdout still holds back; throws `UsageError` when it could not all be written.

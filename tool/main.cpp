@@ -81,12 +81,17 @@ void addRunControl(CLI::App& app, RunOptions& run, RunTexts& texts) {
         ->envname("SLUICE_THREADS")
         ->type_name("N");
     app.add_option("--save", run.saveFile, "Write the graph after the run")->type_name("FILE");
-    app.add_flag("--dry-run", run.dryRun, "Read and check, list evaluators and pulls, run nothing");
+    app.add_flag("--dry-run", run.dryRun, "Read and check, list evaluators and pulls, run nothing")
+        ->excludes("--profile")
+        ->excludes("--trace");
     app.add_flag("--no-sleep", run.noSleep, "Nodes that sleep return at once");
 }
 
 void addRunReports(CLI::App& app, RunOptions& run, RunTexts& texts) {
     app.add_flag("--json", run.json, "Print one JSON document");
+    app.add_flag("--profile", run.profile, "Tell the time, calls and memory of each node");
+    app.add_option("--trace", run.traceFile, "Write what ran when, for Chrome's trace viewer")
+        ->type_name("FILE");
     app.add_option("--verbosity", run.verbosity, "Highest message level shown, 1 to 5; default 3")
         ->check(CLI::Range(1, 5))
         ->type_name("N");
@@ -178,8 +183,8 @@ void addCommands(CLI::App& app, CommandLine& line) {
     CLI::App* run = addCommand(app, line, "run", "Read a graph, run it and report");
     run->add_option("GRAPH", line.run.graph, "The graph's file")->required();
     addRunPins(*run, line.run);
-    addRunControl(*run, line.run, line.runTexts);
     addRunReports(*run, line.run, line.runTexts);
+    addRunControl(*run, line.run, line.runTexts);
     addRunLimits(*run, line.run, line.runTexts);
 
     addTypeCommands(app, line);

@@ -11,9 +11,11 @@
 #include "tool/exit_status.h"
 #include "tool/interrupts.h"
 #include "tool/pins.h"
+#include "tool/profile.h"
 #include "tool/pulls.h"
 #include "tool/run_options.h"
 #include "tool/run_report.h"
+#include "tool/trace.h"
 #include "tool/watchdog.h"
 
 namespace tidemark::tool {
@@ -69,7 +71,9 @@ private:
     void dryRun();
     void runOnce();
     void runFrames();
-    Result runScene();
+    Result runScene(const std::string& phase);
+    void runRecorded(const std::string& phase);
+    void reportRecord();
     bool judge(const std::vector<NodeMessage>& messages);
     void reportOutcome(const Array<StandaloneHost::Report>& reports);
     void explainEnd();
@@ -84,6 +88,7 @@ private:
     StandaloneHost host_;
     Graph graph_;
     TemporaryPulls pulls_;
+    std::unique_ptr<UpdateRecorder> recorder_; // null unless something wants to know
     Progress progress_;
     std::unique_ptr<Watchdog> watchdog_;
     Array<StandaloneHost::Report> readReports_;
@@ -145,6 +150,15 @@ void Run::prepare() {
     for (const std::string& setting : options_.settings) applySetting(graph_.scene, setting);
     for (const std::string& pin : options_.getPins) findPin(graph_.scene, pin);
     for (const std::string& pin : options_.pullPins) pulls_.add(pin);
+    if (options_.profile || !options_.traceFile.empty()) {
+        const bool keepsEvents = !options_.traceFile.empty();
+        if (keepsEvents && isSameFile(options_.graph, options_.traceFile)) {
+            throw UsageError("\"" + options_.traceFile +
+                             "\" is the graph: write the trace elsewhere");
+        }
+        recorder_ =
+            std::make_unique<UpdateRecorder>(graph_.scene, keepsEvents ? mostTraceEvents : 0);
+    }
     if (count(true) == 0 && !pulls_.evaluator()) {
         console::report(messageLevelWarning, "the graph has no evaluator: nothing is computed");
     }
@@ -169,8 +183,14 @@ void Run::reportOutcome(const Array<StandaloneHost::Report>& reports) {
     }
 }
 
-Run::Result Run::runScene() {
+void Run::runRecorded(const std::string& phase) {
+    if (recorder_) recorder_->phaseBegins(phase);
     graph_.scene.run();
+    if (recorder_) recorder_->phaseEnds();
+}
+
+Run::Result Run::runScene(const std::string& phase) {
+    runRecorded(phase);
     const RunOutcome outcome = graph_.scene.lastOutcome();
     const std::vector<NodeMessage> messages = collectMessages(graph_.scene, pulls_.evaluator());
     const Array<StandaloneHost::Report> reports = host_.takeReports();
@@ -200,7 +220,7 @@ Json behindReading(const Array<StandaloneHost::Report>& readReports, const Json&
 
 void Run::runOnce() {
     progress_.step("running", options_.graph);
-    Result result = runScene();
+    Result result = runScene("run");
     if (!options_.json) return printPins(result.pins, "");
     json_["pins"] = std::move(result.pins);
     json_["messages"] = std::move(result.messages);
@@ -214,7 +234,7 @@ void Run::runFrames() {
         if (!isFirst) clearMessages(graph_.scene);
         host_.setCurrentFrame(frame);
         progress_.frameBegins(frame);
-        Result result = runScene();
+        Result result = runScene("frame " + std::to_string(frame));
         progress_.frameEnds(frame, result.seconds, !result.failed);
         if (options_.json) {
             frames.push_back({{"frame", frame},
@@ -236,6 +256,27 @@ void Run::runFrames() {
 bool Run::mustEnd() const {
     return wasSignalled() || wasCutShort_ || wasOutOfMemory_ || limits::wasHit() ||
            watchdog_->hit() != LimitHit::none || host_.isStopRequested();
+}
+
+/// Before anything changes the scene, whose nodes the record names by their ids.
+void Run::reportRecord() {
+    if (!recorder_) return;
+    if (!options_.traceFile.empty()) {
+        progress_.step("writing", options_.traceFile);
+        writeTrace(*recorder_, options_.graph, options_.traceFile);
+        if (const uint64_t dropped = recorder_->droppedEvents()) {
+            console::report(messageLevelWarning, "the trace holds the first " +
+                                                     std::to_string(mostTraceEvents) + " events; " +
+                                                     std::to_string(dropped) + " were dropped");
+        }
+    }
+    if (!options_.profile) return;
+    const auto rows = profileOf(*recorder_, graph_.scene, pulls_.evaluator());
+    if (options_.json) {
+        json_["profile"] = profileJson(rows, seconds_);
+    } else {
+        printProfile(rows, seconds_);
+    }
 }
 
 void Run::dryRun() {
@@ -354,6 +395,7 @@ int Run::execute() {
         }
         watchdog_->stop();
     }
+    reportRecord();
     pulls_.remove();
     explainEnd();
     if (!options_.saveFile.empty() && !options_.dryRun) {

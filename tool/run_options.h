@@ -24,6 +24,8 @@ struct RunOptions {
     int threads = 0;
     std::string saveFile;
     bool json = false;
+    bool profile = false;
+    std::string traceFile;
     int verbosity = tidemark::graph::messageLevelWarning;
     FailLevel failLevel;
     ProgressMode progress = ProgressMode::automatic;

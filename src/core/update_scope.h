@@ -4,6 +4,7 @@
 
 #include "core/network_manager.h"
 #include "core/node.h"
+#include "core/update_observer.h"
 
 namespace weft {
 
@@ -13,11 +14,16 @@ class Node::UpdateScope {
 public:
     explicit UpdateScope(Node& node)
         : node_(node), parent_(node.parent()), wasUpdating_(node.isUpdating_),
-          wasParentUpdating_(parent_ && parent_->isUpdating_) {
+          wasParentUpdating_(parent_ && parent_->isUpdating_),
+          observer_(UpdateObserver::installed_) {
         node_.isUpdating_ = true;
         if (parent_) parent_->isUpdating_ = true;
+        if (observer_) [[unlikely]]
+            observer_->updateBegins(node_);
     }
     ~UpdateScope() {
+        if (observer_) [[unlikely]]
+            observer_->updateEnds();
         if (!isDone_) [[unlikely]]
             noteFailure();
         node_.isUpdating_ = wasUpdating_;
@@ -39,6 +45,7 @@ private:
     Node* const parent_;
     const bool wasUpdating_;
     const bool wasParentUpdating_;
+    UpdateObserver* const observer_;
     bool isDone_ = false;
 };
 

@@ -100,6 +100,66 @@ TEST_F(FramesTest, ReadingErrorsAreToldOnceAndEndNothing) {
     EXPECT_EQ(json["frames"][1]["host"].size(), 0u);
 }
 
+/// What a terminal shows in the end, line by line: what stood before a carriage return is gone.
+Words shown(const std::string& written) {
+    Words lines(1);
+    for (std::size_t i = 0; i < written.size(); ++i) {
+        if (written.compare(i, 2, "\r\n") == 0) {
+            lines.emplace_back();
+            ++i;
+        } else if (written.compare(i, 4, "\r\033[K") == 0) {
+            lines.back().clear();
+            i += 3;
+        } else {
+            lines.back() += written[i];
+        }
+    }
+    return lines;
+}
+
+TEST_F(FramesTest, ProgressIsOneLineOfATerminal) {
+    file("slow.xml", sleepingGraph(250));
+    Start start{{"run", "slow.xml", "-f", "4-7", "--get", "root.Rest.through"}};
+    start.terminal = true;
+    const Ended ended = sluice(start);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.out,
+              "frame 4: root.Rest.through = [1.0]\nframe 5: root.Rest.through = [1.0]\n"
+              "frame 6: root.Rest.through = [1.0]\nframe 7: root.Rest.through = [1.0]\n");
+    EXPECT_NE(ended.err.find("\r\033[Kframe 5 (2 of 4), "), std::string::npos) << ended.err;
+    const Words lines = shown(ended.err);
+    ASSERT_EQ(lines.size(), 2u) << ended.err;
+    EXPECT_EQ(lines[0].rfind("3 nodes, 1 evaluator, ", 0), 0u) << lines[0];
+    EXPECT_EQ(lines[1], "");
+}
+
+TEST_F(FramesTest, ProgressStaysOutOfResultsOnTheSameTerminal) {
+    file("slow.xml", sleepingGraph(250));
+    Start start{{"run", "slow.xml", "-f", "1-4", "--get", "root.Rest.through"}};
+    start.terminal = true;
+    start.sameTerminal = true;
+    const Ended ended = sluice(start);
+    EXPECT_NE(ended.err.find("frame 2 (2 of 4), "), std::string::npos) << ended.err;
+    const Words lines = shown(ended.err);
+    ASSERT_EQ(lines.size(), 6u) << ended.err;
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(lines[i], "frame " + std::to_string(i + 1) + ": root.Rest.through = [1.0]");
+    }
+}
+
+TEST_F(FramesTest, ProgressFormsThatWereAskedForHoldOnATerminal) {
+    file("slow.xml", sleepingGraph(250));
+    Start start{{"run", "slow.xml", "-f", "1-2", "--progress", "plain"}};
+    start.terminal = true;
+    const Ended plain = sluice(start);
+    EXPECT_EQ(plain.err.find('\033'), std::string::npos) << plain.err;
+    EXPECT_NE(plain.err.find("frame 2 (2 of 2): "), std::string::npos) << plain.err;
+    start.arguments.back() = "none";
+    const Ended none = sluice(start);
+    EXPECT_EQ(shown(none.err).size(), 2u) << none.err;
+    EXPECT_EQ(none.err.find("frame"), std::string::npos) << none.err;
+}
+
 TEST_F(FramesTest, NodeThatStopsTheSimulationEndsTheFrames) {
     file("stop.xml", GraphText()
                          .node("A", "Real")

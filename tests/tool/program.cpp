@@ -90,7 +90,7 @@ Ended run(const Start& start) {
     if (!opened || pipe2(out, O_CLOEXEC) != 0) return ended;
     const auto begin = std::chrono::steady_clock::now();
     const pid_t child = fork();
-    if (child == 0) becomeProgram(start, out[1], err[1]);
+    if (child == 0) becomeProgram(start, start.sameTerminal ? err[1] : out[1], err[1]);
     close(out[1]);
     close(err[1]);
     std::thread signals;

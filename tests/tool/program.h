@@ -36,6 +36,7 @@ struct Start {
     double signalAfter = 0.0;
     int signalCount = 1;   ///< sent in a row, 50 ms apart
     bool terminal = false; ///< standard error is a terminal
+    bool sameTerminal = false; ///< with `terminal`: standard output is that terminal as well
     std::string outFile{}; ///< where standard output goes instead
 };
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/string_value.h"
+#include "core/update_observer.h"
 #include "core/update_scope.h"
 #include "graph/define_node.h"
 #include "graph/graph_scene.h"
@@ -186,6 +187,7 @@ void runThreads(const Clones& clones, const Numeric& array) {
     }
     // The system has no more threads: this one takes their part.
     for (Worker* worker : left) worker->thread.runHere();
+    const UpdateObserver::Waiting waiting;
     for (const auto& worker : workers) worker->thread.join();
 }
 
