@@ -34,10 +34,10 @@ struct Start {
     std::string folder{}; ///< to run in; empty: the test's
     int signal = 0;       ///< sent `signalAfter` seconds after the start; 0: none
     double signalAfter = 0.0;
-    int signalCount = 1;   ///< sent in a row, 50 ms apart
-    bool terminal = false; ///< standard error is a terminal
+    int signalCount = 1;       ///< sent in a row, 50 ms apart
+    bool terminal = false;     ///< standard error is a terminal
     bool sameTerminal = false; ///< with `terminal`: standard output is that terminal as well
-    std::string outFile{}; ///< where standard output goes instead
+    std::string outFile{};     ///< where standard output goes instead
 };
 
 /// Runs the program to its end.
