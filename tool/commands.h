@@ -19,8 +19,15 @@ int listNodes(const NodesOptions& options);
 struct DescribeOptions {
     std::string type;
     bool json = false;
+    bool html = false;
+    bool wiki = false;
 };
 int describeType(const DescribeOptions& options);
+
+struct ReferenceOptions {
+    std::string folder;
+};
+int writeReference(const ReferenceOptions& options);
 
 struct CheckOptions {
     std::string graph;

@@ -65,7 +65,9 @@ int describeType(const DescribeOptions& options) {
     if (node["type"] != options.type) {
         console::line("\"" + options.type + "\" is \"" + node["type"].get<std::string>() + "\"");
     }
-    if (options.json) {
+    if (options.html || options.wiki) {
+        console::out(explorer.page(factoryOf(options.type), options.wiki) + "\n");
+    } else if (options.json) {
         console::out(document({{"schema", "sluice.describe/1"}, {"node", std::move(node)}}));
     } else {
         console::out(nodeText(node));

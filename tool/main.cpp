@@ -32,6 +32,7 @@ struct CommandLine {
     RunTexts runTexts;
     NodesOptions nodes;
     DescribeOptions describe;
+    ReferenceOptions reference;
     CheckOptions check;
     std::string checkFailLevel = "error";
     ConvertOptions convert;
@@ -143,7 +144,16 @@ void addTypeCommands(CLI::App& app, CommandLine& line) {
 
     CLI::App* describe = addCommand(app, line, "describe", "Tell everything about one node type");
     describe->add_option("TYPE", line.describe.type, "The node type")->required();
-    describe->add_flag("--json", line.describe.json, "Print one JSON document");
+    auto* json = describe->add_flag("--json", line.describe.json, "Print one JSON document");
+    auto* html = describe->add_flag("--html", line.describe.html, "Print the type's manual page")
+                     ->excludes(json);
+    describe->add_flag("--wiki", line.describe.wiki, "Print the page in the markup of the wiki")
+        ->excludes(json)
+        ->excludes(html);
+
+    CLI::App* reference =
+        addCommand(app, line, "reference", "Write the reference of all node types, as web pages");
+    reference->add_option("DIR", line.reference.folder, "The folder to write it into")->required();
 }
 
 void addFileCommands(CLI::App& app, CommandLine& line) {
@@ -288,6 +298,7 @@ int runCommand(const CLI::App& app, const CLI::App& command, const CommandLine& 
     if (name == "run") return runGraph(line.run);
     if (name == "nodes") return listNodes(line.nodes);
     if (name == "describe") return describeType(line.describe);
+    if (name == "reference") return writeReference(line.reference);
     if (name == "check") return checkGraph(line.check);
     if (name == "convert") return convertGraph(line.convert);
     if (name == "diff") return diffGraphs(line.diff);

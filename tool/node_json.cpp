@@ -107,4 +107,12 @@ Json TypeExplorer::describe(NodeFactory& factory) {
     return json;
 }
 
+std::string TypeExplorer::page(NodeFactory& factory, bool wiki) {
+    auto* const node = dynamic_cast<sluice::graph::Node*>(makeNode(factory));
+    if (!node) return {};
+    const std::string text = wiki ? node->asConfluenceHTML(false) : node->asHTML();
+    scene_.removeNodeFromGraph(node);
+    return text;
+}
+
 } // namespace tidemark::tool

@@ -15,6 +15,8 @@ class TypeExplorer {
 public:
     /// {"type", "category", "allowedCategories", "description", "dynamicPins", "inputs", "outputs"}
     Json describe(sluice::graph::NodeFactory& factory);
+    /// The type's page of the manual; `wiki`: in the markup of the wiki.
+    std::string page(sluice::graph::NodeFactory& factory, bool wiki);
 
 private:
     sluice::graph::NodeBase* makeNode(sluice::graph::NodeFactory& factory);

@@ -96,6 +96,8 @@ public:
     bool isUpdating() const override;
     bool dynamicPinsAllowed() const override;
     TM_String getDescription() const override;
+    /// As `asSinglePageConfluenceHTML`.
+    TM_String asHTML() const override;
 
     // Running.
 
@@ -149,6 +151,14 @@ public:
     void write_toBoostPropertyTree(PropertyTree& tree) const override;
     bool readInputs_fromBoostPropertyTree(const PropertyTree& tree) override;
 
+    /// The node's page of the manual in the markup of the wiki; `expander` as in
+    /// `Pin::asConfluenceHTML`.
+    virtual TM_String asConfluenceHTML(const bool& expander) const;
+    /// The page by itself: images and links that it names relatively lead to the folder and path of
+    /// the environment variables SLDOCFOLDER and SLDOCPATH, if these are set.
+    virtual TM_String asSinglePageConfluenceHTML() const;
+    /// The first paragraph of the description, in markup.
+    virtual TM_String firstDescriptionLineForConfluence() const;
     /// Builds the logic node in the scene's network and hands it to `adoptWeftNode`.
     virtual void createWeftNode() = 0;
     /// A new attribute with a free name, "in" or "out" at first, listed as dynamic.

@@ -48,7 +48,11 @@ public:
     Color4<float> getBorderColor() const override { return getColor(); }
     /// The type's colour, greyed for a single value and more for an empty one.
     Color4<float> getColor() const override;
+    /// The tooltip: name, element count and types, then value, time and memory.
+    TM_String getInfo() const override;
     TM_String getDescription() const override;
+    /// A table of this pin alone, headed by its direction.
+    TM_String asHTML() const override;
     bool allowsInternalConnections() const override;
     bool hasInternalConnections() const override;
     bool allowsNewOrRemovalOfInternalConnections() const override;
@@ -59,6 +63,9 @@ public:
     bool removeInternalConnection(GraphNodePin* pin) override;
     bool addInternalConnection(GraphNodePin* pin) override;
 
+    /// A table row for the manual. Long lists of types fold: by classes of the page with `expander`,
+    /// by the wiki's macro without.
+    virtual TM_String asConfluenceHTML(const bool& expander) const;
     /// The pin's type number; see `weft::TypeNumber`.
     virtual int getType() const;
     /// Some allowed specialization has that number.
