@@ -42,6 +42,14 @@ struct ConvertOptions {
 };
 int convertGraph(const ConvertOptions& options);
 
+struct DrawOptions {
+    std::string graph;
+    std::string out;    ///< empty: standard output
+    std::string format; ///< empty: by the ending of `out`
+    bool runs = false;
+};
+int drawGraph(const DrawOptions& options);
+
 struct DiffOptions {
     std::string a;
     std::string b;

@@ -36,6 +36,7 @@ struct CommandLine {
     CheckOptions check;
     std::string checkFailLevel = "error";
     ConvertOptions convert;
+    DrawOptions draw;
     DiffOptions diff;
     CompletionOptions completion;
     std::vector<std::string> libraries;
@@ -171,6 +172,17 @@ void addFileCommands(CLI::App& app, CommandLine& line) {
     convert->add_option("IN", line.convert.in, "The graph's file")->required();
     convert->add_option("OUT", line.convert.out, "The file to write")->required();
 
+    CLI::App* draw = addCommand(app, line, "draw", "Draw a graph as SVG, PNG or DOT");
+    draw->add_option("GRAPH", line.draw.graph, "The graph's file")->required();
+    draw->add_option("-o,--output", line.draw.out,
+                     "The picture's file, ending in .svg, .png or .dot; without: SVG on standard "
+                     "output")
+        ->type_name("FILE");
+    draw->add_option("--format", line.draw.format, "svg, png or dot, whatever the file's ending")
+        ->check(CLI::IsMember({"svg", "png", "dot"}))
+        ->type_name("FORMAT");
+    draw->add_flag("--run", line.draw.runs, "Run the graph first: show results and errors");
+
     CLI::App* diff = addCommand(app, line, "diff", "Tell what differs between two graphs");
     diff->add_option("A", line.diff.a, "The one graph's file")->required();
     diff->add_option("B", line.diff.b, "The other graph's file")->required();
@@ -301,6 +313,7 @@ int runCommand(const CLI::App& app, const CLI::App& command, const CommandLine& 
     if (name == "reference") return writeReference(line.reference);
     if (name == "check") return checkGraph(line.check);
     if (name == "convert") return convertGraph(line.convert);
+    if (name == "draw") return drawGraph(line.draw);
     if (name == "diff") return diffGraphs(line.diff);
     if (line.completion.shell.empty() && line.completion.pinsOf.empty()) {
         throw UsageError("sluice completion: name a shell, bash or zsh");

@@ -53,10 +53,12 @@ void writeGraph(Graph& graph, const std::string& path, bool readingLost) {
     }
 }
 
-void printReports(host::StandaloneHost& host) {
-    for (const host::StandaloneHost::Report& report : host.takeReports()) {
+bool printReports(host::StandaloneHost& host) {
+    const Array<host::StandaloneHost::Report> reports = host.takeReports();
+    for (const host::StandaloneHost::Report& report : reports) {
         console::report(tidemark::graph::messageLevelWarning, report.text);
     }
+    return !reports.empty();
 }
 
 Json reportsJson(const Array<host::StandaloneHost::Report>& reports) {

@@ -39,8 +39,8 @@ void writeGraph(Graph& graph, const std::string& path, bool readingLost);
 /// [{"id", "text"}]
 Json reportsJson(const Array<host::StandaloneHost::Report>& reports);
 
-/// Prints what was reported to the host, as warnings.
-void printReports(host::StandaloneHost& host);
+/// Prints what was reported to the host, as warnings; false when nothing was.
+bool printReports(host::StandaloneHost& host);
 
 /// Whether two paths lead to the same existing file.
 bool isSameFile(const std::string& a, const std::string& b);
