@@ -168,7 +168,8 @@ std::string roundTrip(unsigned seed) {
 } // namespace
 
 TEST(Examples, AreWrittenAsTheyAre) {
-    for (const char* name : {"numbers", "sequence_names", "nested_compounds", "cancelled"}) {
+    for (const char* name : {"numbers", "sequence_names", "nested_compounds", "cancelled", "loop",
+                             "kernel", "routing"}) {
         RecordingHost host;
         Example example(name);
         EXPECT_EQ(host.posts, Posts()) << name;
@@ -225,6 +226,24 @@ TEST(Examples, ReadingFailures) {
               Names{"2 Unable to connect 'root.Sum.in1' to 'root.Sum.in0'"});
     example.scene.run();
     EXPECT_EQ(example.seen<int>("Evaluator.evaluate"), 5);
+}
+
+// At root level and in a compound, wherever a type may stand.
+TEST(RoundTrip, EveryTypeComesBackTheSame) {
+    SceneBuilder build;
+    build.add("Compound", "C");
+    for (NodeFactory* factory : SceneBuilder::manager().getArrNodeFactory()) {
+        const TM_String& type = factory->getDescriptor().getTypeName();
+        if (type != "CompoundInterface") build.add(type.c_str(), "n" + type);
+        if (type != "Evaluator") build.add(type.c_str(), "C.m" + type);
+    }
+    const std::string text = saved(build.scene);
+    RecordingHost host;
+    SL_GraphScene again;
+    EXPECT_TRUE(again.read_XML_fromString(text));
+    EXPECT_EQ(host.posts, Posts());
+    EXPECT_EQ(saved(again), text);
+    EXPECT_EQ(again.nodesById().size(), build.scene.nodesById().size());
 }
 
 TEST(RoundTrip, RandomGraphsComeBackTheSame) {
