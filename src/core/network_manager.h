@@ -194,7 +194,7 @@ private:
     uint32_t dirtyListeners_ = 0;
     uint32_t staleAttributes_ = 0;
     uint32_t changedTypes_ = 0; // attributes whose declaration changed since their group settled
-    std::atomic<uint64_t> removals_{0}; // objects that left so far
+    std::atomic<uint64_t> removals_{0};            // objects that left so far
     static constexpr uint8_t cleanedEver = 1;      // since there was no attribute at all
     static constexpr uint8_t cleanedSinceMark = 2; // since `markAllDirty` last looked
     uint8_t cleaned_ = 0;                          // whether an attribute became clean

@@ -47,7 +47,8 @@ void SL_GraphScene::runGuarded(Step step) {
                                       : RunOutcome::exception);
         // Whose run this one is a part of reports an interrupt once for all.
         const bool isReportedAbove = isInterrupt && networkManager().isPrivate();
-        if (!exception.isQuiet() && !isReportedAbove) center.Post(id::runException, exception.message());
+        if (!exception.isQuiet() && !isReportedAbove)
+            center.Post(id::runException, exception.message());
     } catch (const std::bad_alloc&) {
         noteEnd(RunOutcome::outOfMemory);
         center.Post(id::outOfMemory);

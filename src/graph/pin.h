@@ -63,8 +63,8 @@ public:
     bool removeInternalConnection(GraphNodePin* pin) override;
     bool addInternalConnection(GraphNodePin* pin) override;
 
-    /// A table row for the manual. Long lists of types fold: by classes of the page with `expander`,
-    /// by the wiki's macro without.
+    /// A table row for the manual. Long lists of types fold: by classes of the page with
+    /// `expander`, by the wiki's macro without.
     virtual TM_String asConfluenceHTML(const bool& expander) const;
     /// The pin's type number; see `weft::TypeNumber`.
     virtual int getType() const;
