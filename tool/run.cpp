@@ -122,9 +122,7 @@ void Run::showLine(StandaloneHost::Line kind, const TM_String& line) {
         break;
     case StandaloneHost::Line::panel:
         break; // shown with the messages of the nodes
-    case StandaloneHost::Line::message:
-        console::line(line);
-        break;
+    case StandaloneHost::Line::message: // what nodes print
     case StandaloneHost::Line::print:
         if (options_.json) {
             console::line(line);
