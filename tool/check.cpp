@@ -5,6 +5,7 @@
 
 #include "bridge/host.h"
 #include "graph/scene_manager.h"
+#include "persistence/compound_file.h"
 #include "persistence/node_listing.h"
 #include "tool/commands.h"
 #include "tool/console.h"
@@ -20,6 +21,7 @@ namespace {
 using host::StandaloneHost;
 using sluice::graph::NodeBase;
 using sluice::graph::Pin;
+using sluice::graph::RefToPathNodeFactory;
 using sluice::graph::SceneManager;
 using tidemark::graph::messageLevelError;
 using tidemark::graph::messageLevelInfo;
@@ -51,12 +53,25 @@ void addMessages(const Graph& graph, Findings& findings) {
     }
 }
 
+// Of the graph, and of every compound file that it needs; nodes bear their names in their file.
 void addLegacyTypes(const Graph& graph, Findings& findings) {
-    for (const sluice::graph::ListedNode& node : sluice::graph::listNodesOfFile(graph.path)) {
-        const TM_String now = SceneManager::instance().translateLegacyNodeType(node.type);
-        if (now == node.type) continue;
-        findings.push_back({messageLevelWarning, "legacy", 0, node.fullName,
-                            "old type \"" + node.type + "\" has become \"" + now + "\""});
+    std::vector<std::string> files{graph.path};
+    std::unordered_set<std::string> known{graph.path};
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const std::string where = i == 0 ? "" : " in \"" + files[i] + "\"";
+        for (const sluice::graph::ListedNode& node : sluice::graph::listNodesOfFile(files[i])) {
+            const TM_String now = SceneManager::instance().translateLegacyNodeType(node.type);
+            if (now != node.type) {
+                findings.push_back(
+                    {messageLevelWarning, "legacy", 0, node.fullName,
+                     "old type \"" + node.type + "\" has become \"" + now + "\"" + where});
+            }
+            const auto* reference = dynamic_cast<RefToPathNodeFactory*>(
+                SceneManager::instance().getNodeFactoryFromType(node.type));
+            if (reference && known.insert(reference->getFilePath()).second) {
+                files.push_back(reference->getFilePath());
+            }
+        }
     }
 }
 

@@ -55,7 +55,7 @@ _sluice() {
             mapfile -t COMPREPLY < <(compgen -W "${categories//|/$'\n'}" -- "$current")
             return
             ;;
-        --root) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
+        --root | --library) mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
     esac
     if [[ $current == -* ]]; then
         local options=""
@@ -185,7 +185,7 @@ std::string zshAction(const std::string& option) {
     if (option == "--progress") return "form:(auto plain json none)";
     if (option == "--verbosity") return "level:(1 2 3 4 5)";
     if (option == "--category") return "category:_sluice_categories";
-    if (option == "--root") return "folder:_files -/";
+    if (option == "--root" || option == "--library") return "folder:_files -/";
     for (const char* taking : {"--save", "--set-file", "--trace", "--pins"}) {
         if (option == taking) return "file:_files";
     }

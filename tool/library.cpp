@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "bridge/host.h"
 #include "graph/scene_manager.h"
-#include "host/standalone_host.h"
 #include "persistence/compound_file.h"
 #include "tool/exit_status.h"
 
@@ -41,12 +39,15 @@ std::vector<std::string> graphFilesBelow(const std::string& folder) {
     return files;
 }
 
-void registerFolder(const std::string& folder, host::StandaloneHost* host) {
+// Points in the folder's own path would end the types' names, so the factories get the path below
+// it.
+void registerFolder(const std::string& folder) {
     std::string path = fs::path(folder).lexically_normal().string();
     while (path.size() > 1 && path.back() == '/') path.pop_back();
-    if (host) host->setGraphLibraryPath(path);
     for (const std::string& file : graphFilesBelow(path)) {
-        SceneManager::instance().registerNodeFactory(new RefToPathNodeFactory(file));
+        auto* factory = new RefToPathNodeFactory(file.substr(path.size()));
+        factory->setFilePath(file);
+        SceneManager::instance().registerNodeFactory(factory);
     }
 }
 
@@ -57,9 +58,7 @@ void setLibraries(std::vector<std::string> folders) { waitingFolders = std::move
 void registerLibraries() {
     const std::vector<std::string> folders = std::move(waitingFolders);
     waitingFolders.clear();
-    for (const std::string& folder : folders) {
-        registerFolder(folder, dynamic_cast<host::StandaloneHost*>(&bridge::host()));
-    }
+    for (const std::string& folder : folders) registerFolder(folder);
 }
 
 } // namespace tidemark::tool

@@ -49,9 +49,6 @@ public:
     /// What nodes may reach from now on; everything at first.
     void setFileGate(FileGate gate);
 
-    /// See `bridge::Host::graphLibraryPath`; empty at first. Not while a graph is read.
-    void setGraphLibraryPath(const TM_String& path) { graphLibraryPath_ = path; }
-
     /// True once a node has asked to stop, until `clearStopRequest`.
     bool isStopRequested() const { return stopRequested_; }
     void clearStopRequest() { stopRequested_ = false; }
@@ -66,7 +63,6 @@ public:
     void stopSimulation() override { stopRequested_ = true; }
     int numberOfThreads() const override;
     bool allowsSleep() const override { return allowsSleep_; }
-    TM_String graphLibraryPath() const override { return graphLibraryPath_; }
     bool mayRead(const TM_String& path) const override;
     bool mayWrite(const TM_String& path) const override;
 
@@ -78,7 +74,6 @@ private:
     Sink sink_;
     Array<Report> reports_;
     FileGate fileGate_;
-    TM_String graphLibraryPath_;
     std::atomic<int> numberOfThreads_{0};
     std::atomic<int> currentFrame_{0};
     std::atomic<bool> allowsSleep_{true};

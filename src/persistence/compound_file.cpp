@@ -23,10 +23,9 @@ void RefToPathNodeFactory::setPropertyTree(const PropertyTree& tree) { *tree_ = 
 void RefToPathNodeFactory::initializeFromPath(const TM_String& path) {
     filePath_ = path;
     initialized_ = true;
-    // The library's own path may hold points; only what lies below it is cut.
-    const TM_String library = bridge::host().graphLibraryPath();
-    TM_String below = path.size() > library.size() ? path.substr(library.size()) : TM_String();
-    below = below.substr(0, below.find('.'));
+    const std::size_t library = bridge::host().graphLibraryPath().size();
+    const TM_String cut = path.substr(0, path.find('.'));
+    TM_String below = cut.size() > library ? cut.substr(library) : TM_String();
     if (!below.empty() && below[0] == '/') below.erase(0, 1);
     NodeDescriptor descriptor;
     descriptor.setBuiltIn(false);

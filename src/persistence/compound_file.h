@@ -24,9 +24,10 @@ public:
 
     // Virtual operations, in the order that derived classes rely on.
 
-    /// Takes type and category from the path: below the host's graph library path the folders are
-    /// the category and the file's name, up to its first point, is the type; elsewhere the category
-    /// is "User".
+    /// Takes type and category from the path up to its first point: below the host's graph library
+    /// path the folders are the category and the last part is the type; without folders the
+    /// category is "User". Where the library's own path holds points, give the path below it here
+    /// and the file's with `setFilePath`.
     virtual void initializeFromPath(const TM_String& path);
     /// Reads the file anew. False, with a report to the host, when it cannot be read or is empty.
     virtual bool updatePropertyTree();

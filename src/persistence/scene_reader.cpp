@@ -84,7 +84,7 @@ Optional<SceneReader::Begun> SceneReader::beginNode(const PropertyTree& tree,
 
 NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type, const Begun& begun,
                                 const TM_String& prefix, NodeBase* parent) {
-    if (!mayMakeNode()) return nullptr;
+    if (!mayMakeNode() || isTooDeep(begun.fullName, parent)) return nullptr;
     NodeFactory* const factory = SceneManager::instance().getNodeFactoryFromType(type);
     if (auto* file = dynamic_cast<RefToPathNodeFactory*>(factory)) {
         return makeReference(*file, tree::childText(tree, "name"), begun, prefix, parent);
@@ -97,14 +97,16 @@ NodeBase* SceneReader::makeNode(const PropertyTree& tree, const TM_String& type,
 
 NodeBase* SceneReader::makeBuiltIn(const PropertyTree& tree, NodeBase* node, NodeBase* parent) {
     ++nodesMade_;
+    if (!openFiles_.empty()) ++nodesOfFiles_;
     scene_.addNodeToGraph(node);
+    // At once: whoever takes back a reading that an exception ended finds the node here.
+    scene_.arrImportedNodes_.append(node);
     node->setNodeOwner(parent ? parent : scene_.getRootNode());
     node->setName(tree::childText(tree, "name"));
     node->forgetPinsOrder();
     node->readInputs_fromBoostPropertyTree(tree);
     node->readOutputs_fromBoostPropertyTree(tree);
     node->setAutoAffects();
-    scene_.arrImportedNodes_.append(node);
     return node;
 }
 
@@ -115,6 +117,17 @@ namespace {
 // Files in files; beyond this depth somebody generates them.
 constexpr std::size_t mostFilesInFiles = 100;
 
+// Files that name each other twice grow by powers of two. Who sets a limit on nodes chooses it.
+constexpr uint64_t mostNodesOfFiles = 250000;
+
+// A graph holds no deeper nodes than a file can: what is read can be written and read again.
+std::size_t mostOwners() {
+    constexpr unsigned levelsAround = 8; // the lists above the first node, the pins of the last
+    constexpr unsigned levelsOfNode = 2;
+    const unsigned levels = GraphParsingHelper::getMaximumDepth();
+    return levels > levelsAround ? (levels - levelsAround) / levelsOfNode : 0;
+}
+
 TM_String canonicalPath(const TM_String& path) {
     std::error_code error;
     const std::filesystem::path found = std::filesystem::weakly_canonical(path, error);
@@ -123,7 +136,24 @@ TM_String canonicalPath(const TM_String& path) {
 
 } // namespace
 
-void SceneReader::setFile(const TM_String& path) { openFiles_.assign(1, canonicalPath(path)); }
+void SceneReader::setFile(const TM_String& path) { documentFile_ = canonicalPath(path); }
+
+bool SceneReader::isTooDeep(const TM_String& fullName, const NodeBase* parent) {
+    // A document by itself is limited by its loading.
+    if (openFiles_.empty()) return false;
+    std::size_t owners = 0;
+    const std::size_t most = mostOwners();
+    const GraphNodeBase* owner = parent;
+    while (owner && !owner->isRoot() && owners < most) {
+        ++owners;
+        owner = owner->getNodeOwner();
+    }
+    if (owners < most) return false;
+    reportXmlProblem(
+        filePaths_.back(),
+        XmlProblem{"the nodes are nested too deep, node \"" + fullName + "\" is left out", 0});
+    return true;
+}
 
 bool SceneReader::mayOpen(const RefToPathNodeFactory& factory, const TM_String& fullName) {
     const TM_String path = canonicalPath(factory.getFilePath());
@@ -132,11 +162,15 @@ bool SceneReader::mayOpen(const RefToPathNodeFactory& factory, const TM_String& 
                          XmlProblem{what + (", node \"" + fullName + "\" is left out"), 0});
         return false;
     };
-    if (std::find(openFiles_.begin(), openFiles_.end(), path) != openFiles_.end()) {
-        return refuse("the file includes itself");
+    const bool isOpen = path == documentFile_ ||
+                        std::find(openFiles_.begin(), openFiles_.end(), path) != openFiles_.end();
+    if (isOpen) return refuse("the file includes itself");
+    if (openFiles_.size() >= mostFilesInFiles) return refuse("files include files too deep");
+    if (nodesOfFiles_ >= mostNodesOfFiles && limits::current().maxNodes == 0) {
+        return refuse("files include files without an end");
     }
-    if (openFiles_.size() > mostFilesInFiles) return refuse("files include files too deep");
     openFiles_.push_back(path);
+    filePaths_.push_back(factory.getFilePath());
     return true;
 }
 
@@ -163,6 +197,7 @@ NodeBase* SceneReader::makeReference(RefToPathNodeFactory& factory, const TM_Str
         scene_.refXmlImportedLayout().updateWithOther(read);
     }
     openFiles_.pop_back();
+    filePaths_.pop_back();
     return made ? *made : nullptr;
 }
 
@@ -323,20 +358,26 @@ void SceneReader::readConnection(const PropertyTree& tree) {
 
 // Reports.
 
+// The compound file that the trouble is in comes last; a document's own trouble names none.
+void SceneReader::postWithFile(int id, Array<TM_String> arguments) {
+    if (!filePaths_.empty()) arguments.append(filePaths_.back());
+    post(id, arguments);
+}
+
 void SceneReader::reportUnknownType(const TM_String& type, const TM_String& fullName) {
     const auto [entry, isNew] = nearestTypes_.try_emplace(type);
     if (isNew && suggestions_ < mostSuggestions) {
         ++suggestions_;
         entry->second = SceneManager::instance().nearestNodeType(type);
     }
-    post(message::unknownNodeType, {type, fullName, entry->second});
+    postWithFile(message::unknownNodeType, {type, fullName, entry->second});
 }
 
 void SceneReader::reportMissingPin(const TM_String& fullPinName) {
     const bool suggest = suggestions_ < mostSuggestions;
     if (suggest) ++suggestions_;
-    post(message::unknownConnectionPin,
-         {fullPinName, suggest ? nearestPinName(fullPinName) : TM_String()});
+    postWithFile(message::unknownConnectionPin,
+                 {fullPinName, suggest ? nearestPinName(fullPinName) : TM_String()});
 }
 
 // A pin of the node that is named, or the same pin of the node that may have been meant.

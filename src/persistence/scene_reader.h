@@ -57,6 +57,7 @@ private:
     NodeBase* makeReference(RefToPathNodeFactory& factory, const TM_String& name,
                             const Begun& begun, const TM_String& prefix, NodeBase* parent);
     bool mayOpen(const RefToPathNodeFactory& factory, const TM_String& fullName);
+    bool isTooDeep(const TM_String& fullName, const NodeBase* parent);
     void endNode(NodeBase* node, bool hadChildren);
     bool isRefused(const TM_String& lowerType, bool atRoot, const TM_String& fullName,
                    const TM_String& type);
@@ -71,6 +72,7 @@ private:
     bool parsePiece(std::string_view text, PropertyTree& tree);
 
     void readConnection(const PropertyTree& tree);
+    void postWithFile(int id, Array<TM_String> arguments);
     void reportUnknownType(const TM_String& type, const TM_String& fullName);
     void reportMissingPin(const TM_String& fullPinName);
     TM_String nearestPinName(const TM_String& fullPinName) const;
@@ -85,7 +87,10 @@ private:
     std::size_t total_ = 0;
     uint64_t nodesMade_ = 0;
     unsigned suggestions_ = 0;
-    std::vector<TM_String> openFiles_; // the document's own, and the compound files being read
+    TM_String documentFile_;           // canonical; empty for a text
+    std::vector<TM_String> openFiles_; // canonical paths of the compound files being read
+    std::vector<TM_String> filePaths_; // the same as their factories name them
+    uint64_t nodesOfFiles_ = 0;        // made while a compound file was read
     std::unordered_set<const RefToPathNodeFactory*> upToDate_; // read from disk by this reader
     bool ended_ = false;
     Optional<XmlProblem> problem_;

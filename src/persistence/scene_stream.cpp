@@ -62,6 +62,14 @@ void removeImported(SL_GraphScene& scene) {
     for (uint32_t i = made.size(); i > 0; --i) scene.removeNodeFromGraph(made[i - 1]);
 }
 
+// Throws when an interrupt or a limit ends the reading. A list of connections may be missing.
+void readContent(const PropertyTree& document, const PropertyTree& content, SL_GraphScene& scene) {
+    const bool isWhole = scene.readNodes_fromBoostPropertyTree(document, nullptr, true) &&
+                         (scene.readConnections_fromBoostPropertyTree(document) ||
+                          !tree::child(content, "connections"));
+    if (!isWhole) throw SceneStreamError("the reading of the scene was ended");
+}
+
 } // namespace
 
 void readSceneRecord(std::string record, SL_GraphScene& scene) {
@@ -78,11 +86,12 @@ void readSceneRecord(std::string record, SL_GraphScene& scene) {
     if (!content || !tree::child(*content, "nodes")) {
         throw SceneStreamError("the record holds no scene");
     }
-    if (!scene.readNodes_fromBoostPropertyTree(document, nullptr, true)) {
+    try {
+        readContent(document, *content, scene);
+    } catch (...) { // also when memory ran out
         removeImported(scene);
-        throw SceneStreamError("the reading of the scene was ended");
+        throw;
     }
-    scene.readConnections_fromBoostPropertyTree(document);
 }
 
 FileStreamRaw& operator<<(FileStreamRaw& stream, SL_GraphScene& scene) {

@@ -49,7 +49,9 @@ TEST(CompoundFile, TakesTypeAndCategoryFromItsPath) {
     EXPECT_EQ(described("/lib/", "/lib/Foam/Sharpen"), "Sharpen | Foam | Foam");
     EXPECT_EQ(described("/lib", "/li"), " | User | User");
     EXPECT_EQ(described("", "Sharpen.xml"), "Sharpen | User | User");
-    EXPECT_EQ(described("/lib.v2/x.y", "/lib.v2/x.y/Foam/Sharpen.xml"), "Sharpen | Foam | Foam");
+    EXPECT_EQ(described("/lib", "/lib/Foam.v2/Sharpen.xml"), "Foam | User | User");
+    EXPECT_EQ(described("/lib.v2/x.y", "/lib.v2/x.y/Foam/Sharpen.xml"), " | User | User");
+    EXPECT_EQ(described("", "/Foam/Sharpen.xml"), "Sharpen | Foam | Foam");
 }
 
 TEST(CompoundFile, MakesNoNodeByItself) {
@@ -248,6 +250,26 @@ TEST(CompoundFile, UnknownTypeInsideIsReportedWithItsPlace) {
     ASSERT_TRUE(build.scene.read_XML_fromString(document(node("D", "Odd"))));
     ASSERT_EQ(library.host.posts.size(), 1u);
     EXPECT_EQ(library.host.posts[0].rfind("2255|NoSuchType|root.D.A", 0), 0u);
+    EXPECT_NE(library.host.posts[0].find("/Odd.xml"), std::string::npos) << "and with its file";
+}
+
+TEST(CompoundFile, MissingPinInsideIsReportedWithItsFile) {
+    Library library;
+    library.add("Odd.xml", document(node("A", "Real"), wire("root.A.real", "root.A.nothing")));
+    SceneBuilder build;
+    ASSERT_TRUE(build.scene.read_XML_fromString(document(node("D", "Odd"))));
+    ASSERT_EQ(library.host.posts.size(), 1u);
+    EXPECT_EQ(library.host.posts[0].rfind("2260|root.D.A.nothing", 0), 0u);
+    EXPECT_NE(library.host.posts[0].find("/Odd.xml"), std::string::npos);
+}
+
+TEST(CompoundFile, OldNamesInsideAreTranslated) {
+    Library library;
+    library.add("Old.xml", document(node("A", "Matrix4Mul")));
+    SceneBuilder build;
+    ASSERT_TRUE(build.scene.read_XML_fromString(document(node("D", "Old"))));
+    EXPECT_EQ(library.host.posts, Posts());
+    EXPECT_EQ(build.node("D.A")->getType(), "Mul");
 }
 
 TEST(CompoundFile, FileThatIncludesItselfIsNotFollowed) {
@@ -300,7 +322,53 @@ TEST(CompoundFile, LongChainsOfFilesEnd) {
     EXPECT_NE(library.host.posts[0].find("files include files too deep"), std::string::npos);
 }
 
-// Each file names the next one twice: without a limit there is no end to it.
+// `depth` compounds in each other, the innermost holding `inner`.
+std::string nested(int depth, std::string inner) {
+    for (int i = 0; i < depth; ++i) inner = node("C", "Compound", "<nodes>" + inner + "</nodes>");
+    return inner;
+}
+
+// Every file is as deep as files may be; together they would be a hundred times as deep.
+TEST(CompoundFile, NodesOfAllFilesTogetherAreNoDeeperThanAFileMayBe) {
+    Library library;
+    for (int i = 0; i < 90; ++i) {
+        const std::string next = "P" + std::to_string(i + 1) + "x";
+        library.add("P" + std::to_string(i) + "x.xml", document(nested(400, node("N", next))));
+    }
+    library.add("P90x.xml", document(node("R", "Real")));
+    SceneBuilder build;
+    ASSERT_TRUE(build.scene.read_XML_fromString(document(node("D", "P0x"))));
+    ASSERT_EQ(library.host.posts.size(), 1u);
+    EXPECT_NE(library.host.posts[0].find("P1x.xml|the nodes are nested too deep"),
+              std::string::npos)
+        << library.host.posts[0].substr(0, 200);
+    TM_String text;
+    ASSERT_TRUE(build.scene.write_XML_toString(text));
+    SceneBuilder again;
+    EXPECT_TRUE(again.scene.read_XML_fromString(text));
+    EXPECT_EQ(library.host.posts.size(), 1u);
+}
+
+// Each file names the next one eight times, 8^20 nodes in all.
+TEST(CompoundFile, FilesThatGrowWithoutAnEndAreLeftOut) {
+    Library library;
+    for (int i = 0; i < 20; ++i) {
+        const std::string next = "B" + std::to_string(i + 1) + "x";
+        std::string nodes;
+        for (int k = 0; k < 8; ++k) nodes += node("N" + std::to_string(k), next);
+        library.add("B" + std::to_string(i) + "x.xml", document(nodes));
+    }
+    library.add("B20x.xml", document(node("R", "Real")));
+    SceneBuilder build;
+    ASSERT_TRUE(build.scene.read_XML_fromString(document(node("D", "B0x"))));
+    EXPECT_GT(library.host.posts.size(), 0u);
+    EXPECT_LT(library.host.posts.size(), 8u * 20u);
+    for (const std::string& post : library.host.posts) {
+        EXPECT_NE(post.find("files include files without an end"), std::string::npos) << post;
+    }
+}
+
+// Each file names the next one twice.
 TEST(CompoundFile, LimitOnNodesHoldsForAllFilesTogether) {
     Library library;
     for (int i = 0; i < 40; ++i) {

@@ -153,8 +153,8 @@ TEST_F(SceneStream, LengthBeyondTheFileIsRefusedBeforeMemoryIsTaken) {
 
 TEST_F(SceneStream, DamagedRecordsEitherReadOrAreRefusedWhole) {
     const std::string record = text + '\0';
-    for (std::size_t at = 0; at < record.size(); at += 3) {
-        for (const char flip : {'\x01', '\x20', '\x80'}) {
+    for (std::size_t at = 0; at < record.size(); ++at) {
+        for (const char flip : {'\x01', '\x20', '\x80', '\xff'}) {
             std::string damaged = record;
             damaged[at] = static_cast<char>(damaged[at] ^ flip);
             SL_GraphScene scene;
@@ -188,6 +188,46 @@ TEST_F(SceneStream, ReadingThatIsEndedTakesBackWhatItMade) {
     limits::set(limited);
     EXPECT_THROW(readSceneRecord(text + '\0', target.scene), SceneStreamError);
     limits::set({});
+    EXPECT_EQ(textOf(target.scene), before);
+}
+
+/// Interrupts the reading as soon as it reports something.
+class InterruptingHost : public support::RecordingHost {
+public:
+    explicit InterruptingHost(SL_GraphScene& scene) : scene_(scene) {}
+    void post(int id, const Array<TM_String>& arguments) override {
+        RecordingHost::post(id, arguments);
+        scene_.requestInterrupt();
+    }
+
+private:
+    SL_GraphScene& scene_;
+};
+
+TEST_F(SceneStream, InterruptAmongTheConnectionsTakesBackTheNodesToo) {
+    SceneBuilder target;
+    target.add("Integer", "Mine");
+    const std::string before = textOf(target.scene);
+    TM_String damaged = text;
+    damaged.replace(damaged.find("root.R.real"), 11, "root.R.none");
+    const InterruptingHost interrupting(target.scene);
+    EXPECT_THROW(readSceneRecord(damaged + '\0', target.scene), SceneStreamError);
+    EXPECT_EQ(interrupting.posts.size(), 1u);
+    EXPECT_EQ(textOf(target.scene), before);
+}
+
+TEST_F(SceneStream, ExceptionWhileReadingTakesBackWhatWasRead) {
+    class ThrowingHost : public support::RecordingHost {
+    public:
+        void post(int, const Array<TM_String>&) override { throw std::bad_alloc(); }
+    };
+    SceneBuilder target;
+    target.add("Integer", "Mine");
+    const std::string before = textOf(target.scene);
+    TM_String damaged = text;
+    damaged.replace(damaged.find("root.R.real"), 11, "root.R.none");
+    const ThrowingHost throwing;
+    EXPECT_THROW(readSceneRecord(damaged + '\0', target.scene), std::bad_alloc);
     EXPECT_EQ(textOf(target.scene), before);
 }
 

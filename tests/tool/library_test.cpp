@@ -90,6 +90,23 @@ TEST_F(LibraryTest, FolderThatIsNoneIsRefused) {
         << ended.err;
 }
 
+TEST_F(LibraryTest, CheckTellsOldTypesAndTroubleInsideItsFiles) {
+    file("lib.v1/Old.xml",
+         "<scene><nodes><node><name>M</name><type>Matrix4Mul</type></node>"
+         "<node><name>X</name><type>NoSuchType</type></node></nodes><connections/></scene>");
+    file("old.xml", "<scene><nodes><node><name>O</name><type>Old</type></node></nodes>"
+                    "<connections/></scene>");
+    const Ended ended = sluice({"check", "old.xml", "--library", "lib.v1"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_NE(ended.out.find("old type \"Matrix4Mul\" has become \"Mul\" in \"lib.v1/Old.xml\""),
+              std::string::npos)
+        << ended.out;
+    EXPECT_NE(ended.out.find("error 2255: lib.v1/Old.xml: Unknown node type \"NoSuchType\" of node "
+                             "\"root.O.X\": skipped"),
+              std::string::npos)
+        << ended.out;
+}
+
 TEST_F(LibraryTest, FileThatIncludesItselfIsReported) {
     file("lib.v1/Sums/Ring.xml",
          "<scene><nodes><node><name>root</name><type/><nodes>"
