@@ -25,6 +25,10 @@ uint64_t memoryOf(const sluice::graph::SL_GraphScene& scene, UpdateRecorder::Sub
 
 double percentOf(double own, double seconds) { return seconds > 0.0 ? 100.0 * own / seconds : 0.0; }
 
+std::string ownText(double own, double seconds) {
+    return text::format("%10.4f %6.2f ", 1e3 * own, percentOf(own, seconds));
+}
+
 /// More digits say nothing.
 double inNanoseconds(double seconds) { return std::round(seconds * 1e9) / 1e9; }
 
@@ -60,22 +64,24 @@ Json profileJson(const std::vector<ProfileRow>& rows, double seconds) {
     return list;
 }
 
-void printProfile(const std::vector<ProfileRow>& rows, double seconds) {
+void printProfile(const std::vector<ProfileRow>& rows, double seconds, double outside) {
     console::out("    own ms      %       calls    total ms       bytes  node\n");
     const std::size_t printed = std::min(rows.size(), mostRowsPrinted);
     for (std::size_t i = 0; i < printed; ++i) {
         const ProfileRow& row = rows[i];
         const std::string numbers =
-            text::format("%10.4f %6.2f %11llu %11.4f %11llu  ", 1e3 * row.own,
-                         percentOf(row.own, seconds), static_cast<unsigned long long>(row.calls),
+            text::format("%11llu %11.4f %11llu  ", static_cast<unsigned long long>(row.calls),
                          1e3 * row.total, static_cast<unsigned long long>(row.memory));
-        console::out(numbers + console::printable(row.node + " (" + row.type + ")") + "\n");
+        console::out(ownText(row.own, seconds) + numbers +
+                     console::printable(row.node + " (" + row.type + ")") + "\n");
     }
-    if (printed == rows.size()) return;
-    double rest = 0.0;
-    for (std::size_t i = printed; i < rows.size(); ++i) rest += rows[i].own;
-    console::out(text::format("%10.4f %6.2f", 1e3 * rest, percentOf(rest, seconds)) +
-                 "  in all of " + std::to_string(rows.size() - printed) + " more\n");
+    if (printed < rows.size()) {
+        double rest = 0.0;
+        for (std::size_t i = printed; i < rows.size(); ++i) rest += rows[i].own;
+        console::out(ownText(rest, seconds) + " in all of " +
+                     std::to_string(rows.size() - printed) + " more\n");
+    }
+    console::out(ownText(outside, seconds) + " outside of nodes\n");
 }
 
 } // namespace tidemark::tool

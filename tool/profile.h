@@ -29,7 +29,7 @@ std::vector<ProfileRow> profileOf(const UpdateRecorder& recorder,
 /// [{"node", "type", "calls", "own", "total", "percent", "memory"}]; `seconds`: of the whole run.
 Json profileJson(const std::vector<ProfileRow>& rows, double seconds);
 
-/// A table on stdout of the rows that took most.
-void printProfile(const std::vector<ProfileRow>& rows, double seconds);
+/// A table on stdout of the rows that took most; `outside`: seconds of the run outside of nodes.
+void printProfile(const std::vector<ProfileRow>& rows, double seconds, double outside);
 
 } // namespace tidemark::tool

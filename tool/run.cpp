@@ -273,7 +273,7 @@ void Run::reportRecord() {
     if (options_.json) {
         json_["profile"] = profileJson(rows, seconds_);
     } else {
-        printProfile(rows, seconds_);
+        printProfile(rows, seconds_, weft::Timer::seconds(recorder_->outside()));
     }
 }
 

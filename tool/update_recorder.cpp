@@ -53,6 +53,7 @@ struct UpdateRecorder::Lane {
     }
 
     std::vector<Stretch> stretches; // the innermost last
+    Ticks outside = 0;              // of phases without what lies inside of them
     uint32_t missed = 0;            // innermost ones for which there was no memory
     std::vector<Entry> entries;
     IdIndex bySubject;
@@ -74,6 +75,7 @@ UpdateRecorder::UpdateRecorder(const sluice::graph::SL_GraphScene& scene, uint64
     : serial_(nextSerial()), scene_(scene), origin_(Timer::now()), mostEvents_(mostEvents) {
     waiting_ = addLabel("waiting for threads", "");
     nameNodesForCopies();
+    Timer::seconds(1); // measures the clock, which takes a while at the first use
     install(this);
 }
 
@@ -208,7 +210,11 @@ void UpdateRecorder::updateEnds() noexcept {
         lane.events[stretch.event].begin = stretch.begin - origin_;
         lane.events[stretch.event].length = length;
     }
-    if (stretch.entry == noEntry) return;
+    if (stretch.entry == noEntry) {
+        const bool isPhase = lane.stretches.empty();
+        if (isPhase) lane.outside += length - stretch.inner;
+        return;
+    }
     Lane::Entry& entry = lane.entries[stretch.entry];
     entry.sums.own += length - stretch.inner;
     if (--entry.open == 0) entry.sums.total += length;
@@ -240,6 +246,12 @@ std::unordered_map<UpdateRecorder::Subject, UpdateRecorder::Sums> UpdateRecorder
         }
     }
     return all;
+}
+
+UpdateRecorder::Ticks UpdateRecorder::outside() const {
+    Ticks sum = 0;
+    for (const auto& lane : lanes_) sum += lane->outside;
+    return sum;
 }
 
 std::vector<std::vector<UpdateRecorder::Event>> UpdateRecorder::events() const {

@@ -56,6 +56,8 @@ public:
     void phaseEnds();
 
     std::unordered_map<Subject, Sums> sums() const;
+    /// What phases took without the computations inside.
+    Ticks outside() const;
     /// What the calling threads, lane by lane, recorded in order of their beginnings.
     std::vector<std::vector<Event>> events() const;
     /// How many more there would have been.
