@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -118,17 +119,39 @@ std::string formatOf(const DrawOptions& options) {
                      "one of svg, png, dot");
 }
 
-void runForPicture(Graph& graph, host::StandaloneHost& host) {
+/// Runs the graph and tells what it says; the status for the end. What nodes print must not get
+/// into a picture on standard output, so it goes where messages go.
+int runForPicture(Graph& graph, host::StandaloneHost& host) {
+    using Line = host::StandaloneHost::Line;
+    using sluice::graph::RunOutcome;
     host.setFileGate(host::FileGate::writingBelow("."));
+    host.setSink([](Line kind, const TM_String& line) {
+        if (kind == Line::report) console::report(tidemark::graph::messageLevelError, line);
+        if (kind == Line::print || kind == Line::message) console::line(line);
+    });
     watchSignals();
-    const RunSection section(graph.scene);
-    graph.scene.run();
+    {
+        const RunSection section(graph.scene);
+        graph.scene.run();
+    }
+    const std::vector<NodeMessage> messages = collectMessages(graph.scene, nullptr);
+    printMessages(messages, tidemark::graph::messageLevelWarning);
+    if (wasSignalled()) return exitInterrupt;
+    const RunOutcome outcome = graph.scene.lastOutcome();
+    if (outcome == RunOutcome::outOfMemory) return exitLimit;
+    const bool fails = std::any_of(messages.begin(), messages.end(), [](const NodeMessage& entry) {
+        return FailLevel().isReachedBy(entry.message.level);
+    });
+    return fails || outcome == RunOutcome::exception ? exitFailed : exitDone;
 }
 
 } // namespace
 
 int drawGraph(const DrawOptions& options) {
     const std::string format = formatOf(options);
+    if (isSameFile(options.graph, options.out)) {
+        throw UsageError("\"" + options.out + "\" is the graph: draw to another file");
+    }
     host::StandaloneHost host;
     bridge::setHost(&host);
     Graph graph;
@@ -136,8 +159,9 @@ int drawGraph(const DrawOptions& options) {
         printReports(host);
         return console::leave(exitBadUse);
     }
-    if (options.runs) runForPicture(graph, host);
-    const bool hadReports = !options.runs && printReports(host);
+    int status = printReports(host) ? exitFailed : exitDone;
+    if (options.runs) status = std::max(status, runForPicture(graph, host));
+    if (status == exitInterrupt) return console::leave(status); // no picture of half a run
     const Picture picture(graph.scene, graph.layout);
     const std::string content = format == "svg"   ? svgOf(picture, graph.scene)
                                 : format == "dot" ? dotOf(graph.scene)
@@ -147,7 +171,7 @@ int drawGraph(const DrawOptions& options) {
     } else {
         writeWhole(options.out, content);
     }
-    return console::leave(hadReports ? exitFailed : exitDone);
+    return console::leave(status);
 }
 
 } // namespace tidemark::tool

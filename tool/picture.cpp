@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Places of nodes. Along the connections: in layers by the longest way from a source, each layer in
-// the order that crosses little (by the mean places of neighbours, a few sweeps to and fro), as in
-// the layered method of Sugiyama, Tagawa and Toda (1981).
+// Places and sizes of nodes, the inner ones first.
 #include "tool/picture.h"
 
 #include <algorithm>
-#include <numeric>
+#include <cmath>
 
 namespace tidemark::tool {
 
@@ -28,6 +26,14 @@ double longestName(const Array<Pin*>& pins) {
     double longest = 0;
     for (const Pin* pin : pins) longest = std::max(longest, textWidth(pin->getName(), letterWidth));
     return longest;
+}
+
+/// Of the pin's middle, below the top of its box.
+double pinHeight(const Pin& pin) {
+    const auto* node = static_cast<const NodeBase*>(pin.getParentGraphNodePtr());
+    const Array<Pin*>& pins = pin.isInput() ? node->getArrInputPin() : node->getArrOutputPin();
+    const int64_t row = std::max<int64_t>(pins.indexOf(const_cast<Pin*>(&pin)), 0);
+    return headHeight + static_cast<double>(row) * rowHeight + rowHeight / 2 + 3;
 }
 
 } // namespace
@@ -129,6 +135,16 @@ bool anyCovers(std::vector<const Box*> boxes) {
 
 } // namespace
 
+namespace {
+
+/// A place that a picture can hold: files may say anything.
+bool isSane(float coordinate) {
+    constexpr float farthest = 1e6f;
+    return std::isfinite(coordinate) && std::abs(coordinate) <= farthest;
+}
+
+} // namespace
+
 // Editors draw nodes smaller or larger than this picture, so the places are spread if need be.
 bool Picture::placeAsStored(const Box& box) {
     constexpr std::size_t mostCompared = 5000;
@@ -137,7 +153,7 @@ bool Picture::placeAsStored(const Box& box) {
     double top = 0;
     for (const std::size_t child : box.inside) {
         const auto position = layout_.getPositionByNodeName(boxes_[child].node->getFullName());
-        if (!position) return false;
+        if (!position || !isSane(position->first) || !isSane(position->second)) return false;
         left = stored.empty() ? position->first : std::min<double>(left, position->first);
         top = stored.empty() ? position->second : std::min<double>(top, position->second);
         stored.push_back(*position);
@@ -155,133 +171,28 @@ bool Picture::placeAsStored(const Box& box) {
     return false;
 }
 
-std::vector<std::vector<std::size_t>>
-Picture::layersOf(const Box& box, std::vector<std::vector<std::size_t>>& before,
-                  std::vector<std::vector<std::size_t>>& after) {
-    const std::size_t count = box.inside.size();
-    std::unordered_map<const GraphNodeBase*, std::size_t> numbers;
-    for (std::size_t i = 0; i < count; ++i) numbers[boxes_[box.inside[i]].node] = i;
-    before.assign(count, {});
-    after.assign(count, {});
-    for (const GraphConnection* wire : box.wires) {
-        const std::size_t source = numbers[wire->getSourceNode()];
-        const std::size_t target = numbers[wire->getTargetNode()];
-        if (source == target) continue;
-        after[source].push_back(target);
-        before[target].push_back(source);
-    }
-    // A node comes after all that it reads. In a ring of nodes, the first one that is met begins.
-    std::vector<std::size_t> waiting(count);
-    std::vector<std::size_t> ready;
-    std::vector<std::size_t> depth(count, 0);
-    std::vector<bool> isDone(count, false);
-    for (std::size_t i = 0; i < count; ++i) {
-        waiting[i] = before[i].size();
-        if (waiting[i] == 0) ready.push_back(i);
-    }
-    std::vector<std::size_t> order;
-    std::size_t next = 0;
-    while (order.size() < count) {
-        if (ready.empty()) {
-            while (isDone[next]) ++next;
-            ready.push_back(next);
-        }
-        const std::size_t node = ready.back();
-        ready.pop_back();
-        if (isDone[node]) continue;
-        isDone[node] = true;
-        order.push_back(node);
-        for (const std::size_t target : after[node]) {
-            if (isDone[target]) continue;
-            depth[target] = std::max(depth[target], depth[node] + 1);
-            if (--waiting[target] == 0) ready.push_back(target);
-        }
-    }
-    // What reads nothing stands beside its first reader.
-    for (const std::size_t node : order) {
-        if (!before[node].empty() || after[node].empty()) continue;
-        std::size_t nearest = count;
-        for (const std::size_t target : after[node]) nearest = std::min(nearest, depth[target]);
-        if (nearest > 0 && nearest < count) depth[node] = nearest - 1;
-    }
-    std::vector<std::vector<std::size_t>> layers;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (layers.size() <= depth[i]) layers.resize(depth[i] + 1);
-        layers[depth[i]].push_back(i);
-    }
-    layers.erase(std::remove_if(layers.begin(), layers.end(),
-                                [](const auto& layer) { return layer.empty(); }),
-                 layers.end());
-    return layers;
-}
-
-void Picture::untangle(std::vector<std::vector<std::size_t>>& layers,
-                       const std::vector<std::vector<std::size_t>>& before,
-                       const std::vector<std::vector<std::size_t>>& after) const {
-    std::vector<double> place(before.size(), 0);
-    const auto note = [&](const std::vector<std::size_t>& layer) {
-        for (std::size_t i = 0; i < layer.size(); ++i) {
-            place[layer[i]] = static_cast<double>(i) / static_cast<double>(layer.size());
-        }
-    };
-    for (const auto& layer : layers) note(layer);
-    const auto sort = [&](std::vector<std::size_t>& layer,
-                          const std::vector<std::vector<std::size_t>>& neighbours) {
-        std::vector<std::pair<double, std::size_t>> wanted;
-        for (const std::size_t node : layer) {
-            double sum = 0;
-            for (const std::size_t other : neighbours[node]) sum += place[other];
-            const auto count = static_cast<double>(neighbours[node].size());
-            wanted.emplace_back(count > 0 ? sum / count : place[node], node);
-        }
-        std::stable_sort(wanted.begin(), wanted.end(),
-                         [](const auto& a, const auto& b) { return a.first < b.first; });
-        for (std::size_t i = 0; i < layer.size(); ++i) layer[i] = wanted[i].second;
-        note(layer);
-    };
-    constexpr int sweeps = 4;
-    for (int sweep = 0; sweep < sweeps; ++sweep) {
-        for (std::size_t i = 1; i < layers.size(); ++i) sort(layers[i], before);
-        for (std::size_t i = layers.size() - 1; i > 0; --i) sort(layers[i - 1], after);
-    }
-}
-
-void Picture::placeLayers(const Box& box, const std::vector<std::vector<std::size_t>>& layers,
-                          const std::vector<std::vector<std::size_t>>& before) {
-    double x = 0;
-    double top = 0;
-    for (std::size_t i = 0; i < layers.size(); ++i) {
-        double width = 0;
-        double bottom = -1e30;
-        for (const std::size_t number : layers[i]) {
-            Box& node = boxes_[box.inside[number]];
-            width = std::max(width, node.width);
-            // On the height of what it reads, if there is room.
-            double wanted = bottom > -1e29 ? bottom + rowGap : 0;
-            if (!before[number].empty()) {
-                double sum = 0;
-                for (const std::size_t other : before[number]) {
-                    const Box& source = boxes_[box.inside[other]];
-                    sum += source.y + source.height / 2;
-                }
-                wanted = sum / static_cast<double>(before[number].size()) - node.height / 2;
-            }
-            node.x = x;
-            node.y = std::max(wanted, bottom + rowGap);
-            bottom = node.y + node.height;
-            top = std::min(top, node.y);
-        }
-        x += width + columnGap;
-    }
-    for (const std::size_t child : box.inside) boxes_[child].y -= top;
-}
-
 void Picture::placeAlongWires(const Box& box) {
-    std::vector<std::vector<std::size_t>> before;
-    std::vector<std::vector<std::size_t>> after;
-    std::vector<std::vector<std::size_t>> layers = layersOf(box, before, after);
-    untangle(layers, before, after);
-    placeLayers(box, layers, before);
+    std::vector<LayeredItem> items;
+    std::unordered_map<const GraphNodeBase*, std::size_t> numbers;
+    for (const std::size_t child : box.inside) {
+        numbers[boxes_[child].node] = items.size();
+        items.push_back({boxes_[child].width, boxes_[child].height});
+    }
+    std::vector<LayeredWire> wires;
+    for (const GraphConnection* wire : box.wires) {
+        const auto* source = static_cast<const Pin*>(wire->getSourcePin());
+        const auto* target = static_cast<const Pin*>(wire->getTargetPin());
+        wires.push_back({numbers[wire->getSourceNode()], numbers[wire->getTargetNode()],
+                         pinHeight(*source), pinHeight(*target)});
+    }
+    placeInLayers(items, wires);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        boxes_[box.inside[i]].x = items[i].x;
+        boxes_[box.inside[i]].y = items[i].y;
+    }
+    for (std::size_t i = 0; i < wires.size(); ++i) {
+        if (!wires[i].stretches.empty()) stretches_[box.wires[i]] = std::move(wires[i].stretches);
+    }
 }
 
 void Picture::makeAbsolute() {
@@ -294,18 +205,28 @@ void Picture::makeAbsolute() {
             boxes_[child].x += box.x + left;
             boxes_[child].y += box.y + top;
         }
+        if (stretches_.empty()) continue;
+        for (const GraphConnection* wire : box.wires) {
+            const auto found = stretches_.find(wire);
+            if (found == stretches_.end()) continue;
+            for (Stretch& stretch : found->second) {
+                stretch.x += box.x + left;
+                stretch.y += box.y + top;
+            }
+        }
     }
 }
 
 Picture::Point Picture::pinPlace(const Pin& pin) const {
     const Box* box = boxOf(pin.getParentGraphNodePtr());
     if (!box) return {0, 0};
-    const auto* node = static_cast<const NodeBase*>(pin.getParentGraphNodePtr());
-    const Array<Pin*>& pins = pin.isInput() ? node->getArrInputPin() : node->getArrOutputPin();
-    const auto row =
-        static_cast<double>(std::max<int64_t>(pins.indexOf(const_cast<Pin*>(&pin)), 0));
-    return {pin.isInput() ? box->x : box->x + box->width,
-            box->y + headHeight + row * rowHeight + rowHeight / 2 + 3};
+    return {pin.isInput() ? box->x : box->x + box->width, box->y + pinHeight(pin)};
+}
+
+const std::vector<Stretch>& Picture::stretchesOf(const GraphConnection* wire) const {
+    static const std::vector<Stretch> none;
+    const auto found = stretches_.find(wire);
+    return found == stretches_.end() ? none : found->second;
 }
 
 } // namespace tidemark::tool

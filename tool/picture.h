@@ -9,6 +9,7 @@
 
 #include "graph/base/graph_layout.h"
 #include "graph/graph_scene.h"
+#include "tool/layering.h"
 
 namespace tidemark::tool {
 
@@ -19,8 +20,6 @@ constexpr double rowHeight = 18;
 constexpr double padding = 10;
 constexpr double frameMargin = 36;  ///< round what a compound holds, beside its own pins
 constexpr double letterWidth = 6.4; ///< of the pins' text, on average
-constexpr double columnGap = 70;    ///< between nodes that follow each other
-constexpr double rowGap = 26;       ///< between nodes above each other
 } // namespace picture
 
 /// A node, or a compound with what it holds. Places are those of the picture.
@@ -28,7 +27,7 @@ struct Box {
     const sluice::graph::NodeBase* node = nullptr; ///< null for the whole picture
     double x = 0, y = 0, width = 0, height = 0;
     std::vector<std::size_t> inside; ///< boxes of the children
-    /// Connections between the children: places of source and target in the scene's list.
+    /// Connections between the children.
     std::vector<const tidemark::graph::GraphConnection*> wires;
 };
 
@@ -48,6 +47,8 @@ public:
     };
     /// Where connections of the pin end.
     Point pinPlace(const sluice::graph::Pin& pin) const;
+    /// Where a connection passes between other nodes, from left to right; often nowhere.
+    const std::vector<Stretch>& stretchesOf(const tidemark::graph::GraphConnection* wire) const;
 
 private:
     std::size_t addBoxes(const tidemark::graph::GraphNodeBase& node);
@@ -56,19 +57,12 @@ private:
     void measure(Box& box) const;
     bool placeAsStored(const Box& box);
     void placeAlongWires(const Box& box);
-    std::vector<std::vector<std::size_t>> layersOf(const Box& box,
-                                                   std::vector<std::vector<std::size_t>>& before,
-                                                   std::vector<std::vector<std::size_t>>& after);
-    void untangle(std::vector<std::vector<std::size_t>>& layers,
-                  const std::vector<std::vector<std::size_t>>& before,
-                  const std::vector<std::vector<std::size_t>>& after) const;
-    void placeLayers(const Box& box, const std::vector<std::vector<std::size_t>>& layers,
-                     const std::vector<std::vector<std::size_t>>& before);
     void makeAbsolute();
 
     const tidemark::graph::GraphLayout& layout_;
     std::vector<Box> boxes_; // each before those inside it
     std::unordered_map<const tidemark::graph::GraphNodeBase*, std::size_t> places_;
+    std::unordered_map<const tidemark::graph::GraphConnection*, std::vector<Stretch>> stretches_;
 };
 
 /// The node's name and type as two texts for its head.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Pictures as SVG.
+#include <algorithm>
 #include <cmath>
 
+#include "tool/picture_text.h"
 #include "tool/picture_writers.h"
 
 namespace tidemark::tool {
@@ -12,7 +14,6 @@ using sluice::graph::NodeBase;
 using sluice::graph::Pin;
 using sluice::graph::SL_GraphScene;
 using tidemark::graph::GraphConnection;
-using tidemark::graph::GraphNodePin;
 using tidemark::graph::Message;
 using namespace picture;
 
@@ -34,49 +35,16 @@ text { font: 11px "DejaVu Sans", "Segoe UI", Helvetica, Arial, sans-serif; fill:
 }
 )css";
 
-/// Text for an element or an attribute. What XML cannot hold becomes a question mark.
-std::string escaped(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t' ? '?' : c;
-        }
-    }
-    return out;
-}
-
-std::string cut(const std::string& text, std::size_t most) {
-    if (text.size() <= most) return text;
-    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xc0) == 0x80) --most;
-    return text.substr(0, most) + "...";
-}
-
 std::string number(double value) {
     return text::format("%.1f", std::isfinite(value) ? value : 0.0);
 }
 
-std::string hex(const Color4<float>& color) {
-    const auto part = [](float value) {
-        return static_cast<int>(std::lround(std::min(std::max(value, 0.0f), 1.0f) * 255.0f));
-    };
-    return text::format("#%02x%02x%02x", part(color.r), part(color.g), part(color.b));
-}
-
-bool isDark(const Color4<float>& color) {
-    return 0.299f * color.r + 0.587f * color.g + 0.114f * color.b < 0.55f;
+/// Goes on to `b` in the form of an S, level at both ends.
+std::string curve(const Picture::Point& a, const Picture::Point& b) {
+    // Wires that lead back swing out; the others never overshoot.
+    const double bend = b.x > a.x ? (b.x - a.x) / 2 : std::min(120.0, 40 + (a.x - b.x) / 4);
+    return "C" + number(a.x + bend) + " " + number(a.y) + " " + number(b.x - bend) + " " +
+           number(b.y) + " " + number(b.x) + " " + number(b.y);
 }
 
 /// Writes one picture.
@@ -154,11 +122,14 @@ private:
         const auto* target = static_cast<const Pin*>(wire.getTargetPin());
         const Picture::Point a = picture_.pinPlace(*source);
         const Picture::Point b = picture_.pinPlace(*target);
-        const double bend = std::max(30.0, std::abs(b.x - a.x) / 2);
-        out_ += "<path class=\"wire\" stroke=\"" + hex(source->getColor()) + "\" d=\"M" +
-                number(a.x) + " " + number(a.y) + "C" + number(a.x + bend) + " " + number(a.y) +
-                " " + number(b.x - bend) + " " + number(b.y) + " " + number(b.x) + " " +
-                number(b.y) + "\"><title>" +
+        std::string way = "M" + number(a.x) + " " + number(a.y);
+        Picture::Point at = a;
+        for (const Stretch& stretch : picture_.stretchesOf(&wire)) {
+            way += curve(at, {stretch.x, stretch.y}) + "h" + number(stretch.width);
+            at = {stretch.x + stretch.width, stretch.y};
+        }
+        out_ += "<path class=\"wire\" stroke=\"" + hex(source->getColor()) + "\" d=\"" + way +
+                curve(at, b) + "\"><title>" +
                 escaped(source->getFullName() + "\n-> " + target->getFullName()) +
                 "</title></path>\n";
     }
@@ -189,73 +160,6 @@ private:
 
 std::string svgOf(const Picture& picture, const SL_GraphScene& scene) {
     return Svg(picture, scene).write();
-}
-
-// Graphviz.
-
-namespace {
-
-std::string quoted(const std::string& text) {
-    std::string out = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') out += '\\';
-        out += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
-    }
-    return out + "\"";
-}
-
-std::string cells(const Array<Pin*>& pins, const char* side, const char* align) {
-    std::string rows;
-    for (uint32_t i = 0; i < pins.size(); ++i) {
-        rows += std::string("<TR><TD PORT=\"") + side + std::to_string(i) + "\" ALIGN=\"" + align +
-                "\">" + escaped(pins[i]->getName()) + "</TD></TR>";
-    }
-    return rows.empty() ? std::string("<TR><TD></TD></TR>") : rows;
-}
-
-std::string pinPort(const GraphNodePin* pin) {
-    const auto* node = static_cast<const NodeBase*>(pin->getParentGraphNodePtr());
-    const Array<Pin*>& pins = pin->isInput() ? node->getArrInputPin() : node->getArrOutputPin();
-    const auto* own = static_cast<const Pin*>(pin);
-    return quoted(node->getFullName()) + ":" + (pin->isInput() ? "i" : "o") +
-           std::to_string(std::max<int64_t>(pins.indexOf(const_cast<Pin*>(own)), 0));
-}
-
-void addDotNode(const NodeBase& node, unsigned& clusters, std::string& out) {
-    const bool isFrame = !node.children().empty();
-    if (isFrame) {
-        out += "subgraph cluster_" + std::to_string(++clusters) +
-               " {\nlabel=" + quoted(node.getName()) + ";\n";
-    }
-    const Color4<float> color = SL_GraphScene::getColorForCategory(node.getCategory());
-    const char* const table = "<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"0\">";
-    out += quoted(node.getFullName()) +
-           " [label=<<TABLE BORDER=\"1\" CELLBORDER=\"0\" "
-           "CELLSPACING=\"0\"><TR><TD COLSPAN=\"2\" BGCOLOR=\"" +
-           hex(color) + "\"><FONT COLOR=\"" + (isDark(color) ? "white" : "black") + "\"><B>" +
-           escaped(headName(node)) + "</B> " + escaped(headType(node)) +
-           "</FONT></TD></TR><TR><TD>" + table + cells(node.getArrInputPin(), "i", "LEFT") +
-           "</TABLE></TD><TD>" + table + cells(node.getArrOutputPin(), "o", "RIGHT") +
-           "</TABLE></TD></TR></TABLE>>];\n";
-    for (const auto* child : node.children()) {
-        addDotNode(*static_cast<const NodeBase*>(child), clusters, out);
-    }
-    if (isFrame) out += "}\n";
-}
-
-} // namespace
-
-std::string dotOf(const SL_GraphScene& scene) {
-    std::string out = "digraph graph_ {\nrankdir=LR;\nnode [shape=plain, fontname=\"Helvetica\", "
-                      "fontsize=10];\n";
-    unsigned clusters = 0;
-    for (const auto* child : scene.getRootNode()->children()) {
-        addDotNode(*static_cast<const NodeBase*>(child), clusters, out);
-    }
-    for (const GraphConnection* wire : scene.connections()) {
-        out += pinPort(wire->getSourcePin()) + " -> " + pinPort(wire->getTargetPin()) + ";\n";
-    }
-    return out + "}\n";
 }
 
 } // namespace tidemark::tool

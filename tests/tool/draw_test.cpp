@@ -77,7 +77,8 @@ TEST_F(DrawTest, RunShowsErrorsAndResults) {
     const Ended still = sluice({"draw", examples + "cancelled.xml"});
     EXPECT_EQ(count(still.out, "class=\"badge\""), 0u);
     const Ended run = sluice({"draw", examples + "cancelled.xml", "--run"});
-    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.status, 1) << "as the same run without a picture";
+    EXPECT_TRUE(holds(run.err, "critical [root.Guard] Execution cancelled by node")) << run.err;
     EXPECT_EQ(count(run.out, "class=\"badge\""), 1u);
     EXPECT_TRUE(holds(run.out, "<title>[critical] Execution cancelled by node</title><circle "
                                "class=\"error\""));
@@ -115,6 +116,39 @@ TEST_F(DrawTest, AnyNameIsSafe) {
     EXPECT_TRUE(holds(ended.out, "a&lt;b&amp;&quot;c&quot;&gt;'d'"));
     EXPECT_EQ(sluice({"draw", "names.xml", "-o", "names.dot"}).status, 0);
     EXPECT_EQ(std::system(("dot -Tsvg '" + path("names.dot") + "' > /dev/null 2>&1").c_str()), 0);
+}
+
+TEST_F(DrawTest, WhatNodesPrintStaysOutOfThePicture) {
+    const Ended ended = sluice({"draw", examples + "routing.xml", "--run"});
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    EXPECT_EQ(ended.out.rfind("<?xml", 0), 0u);
+    EXPECT_TRUE(holds(ended.out, "</svg>\n"));
+    expectWellFormed(ended.out);
+}
+
+TEST_F(DrawTest, ReadingFailuresShowInTheStatusOfARunToo) {
+    EXPECT_EQ(sluice({"draw", examples + "reading_failures.xml", "--run"}).status, 1);
+}
+
+TEST_F(DrawTest, TheGraphIsNotOverwritten) {
+    const std::string text = graph(node("A", "Real"));
+    file("g.xml", text);
+    const Ended ended = sluice({"draw", "g.xml", "--format", "svg", "-o", "./g.xml"});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_TRUE(holds(ended.err, "is the graph: draw to another file")) << ended.err;
+    EXPECT_EQ(read("g.xml"), text);
+}
+
+// A wire from the first to the last column leaves the nodes between alone.
+TEST_F(DrawTest, LongWiresPassBetweenNodes) {
+    file("long.xml",
+         graph(node("A", "Real") + node("B", "Add") + node("C", "Add") + node("D", "Add"),
+               wire("A.real", "B.in0") + wire("B.result", "C.in0") + wire("C.result", "D.in0") +
+                   wire("A.real", "D.in1")));
+    const Ended ended = sluice({"draw", "long.xml"});
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    const std::regex level("<path class=\"wire\"[^>]* d=\"M[^\"]*h[^\"]*h[^\"]*\"");
+    EXPECT_TRUE(std::regex_search(ended.out, level)) << "level through two columns";
 }
 
 TEST_F(DrawTest, EndingOfTheFileChoosesTheForm) {
