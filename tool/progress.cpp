@@ -92,6 +92,12 @@ void Progress::frameEnds(int frame, double seconds, bool good) {
     }
 }
 
+void Progress::hide() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    shown_.clear();
+    console::progressLine("");
+}
+
 void Progress::done(int status, double seconds) {
     if (mode_ != ProgressMode::json) return;
     event({{"event", "done"}, {"status", status}, {"seconds", seconds}});

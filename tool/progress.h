@@ -31,6 +31,8 @@ public:
 
     /// A step begins: "reading", "running" or "writing", and the file concerned.
     void step(const std::string& name, const std::string& file);
+    /// Takes the line off the terminal; it comes back with the next step or frame.
+    void hide();
     /// How far the step is, of 1; shown on the rewritten line only.
     void share(double part);
     void frameBegins(int frame);

@@ -121,7 +121,7 @@ void Run::showLine(StandaloneHost::Line kind, const TM_String& line) {
         if (options_.verbosity >= messageLevelError) console::report(messageLevelError, line);
         break;
     case StandaloneHost::Line::panel:
-        break; // shown with the messages of the nodes
+        break;                          // shown with the messages of the nodes
     case StandaloneHost::Line::message: // what nodes print
     case StandaloneHost::Line::print:
         if (options_.json) {
@@ -357,7 +357,7 @@ void Run::printDocument(bool good) {
 }
 
 void Run::finish() {
-    console::progressLine("");
+    progress_.hide();
     if (options_.json) printDocument(status() == exitDone);
     console::flushOut();
     const std::size_t nodes = count(false);
