@@ -2,6 +2,8 @@
 // Pass, Concentrator and Selector: what they compute, and their pins in files.
 #include "nodes/control/pass.h"
 
+#include <unordered_set>
+
 #include "graph/define_node.h"
 #include "graph/graph_scene.h"
 #include "graph/node_types.h"
@@ -87,16 +89,30 @@ using weft::Concentrator;
 using weft::Pass;
 using weft::Selector;
 
+namespace {
+
+// Pins may have been given equal names: each `input` of a file is a pin of its own, and only the
+// first of a name can be one that the node has already. Calls `read(pin, input, isNew)`.
+template <typename Read>
+void readEachInput(Node& node, const PropertyTree& tree, Read read) {
+    std::unordered_set<TM_String> seen;
+    tree::forEachNamed(
+        tree, "inputs", "input", [&](const TM_String& name, const PropertyTree& input) {
+            Pin* const known = seen.insert(name).second ? node.getInputPinPtrByName(name) : nullptr;
+            if (known) return read(*known, input, false);
+            auto* const added = dynamic_cast<Pin*>(node.addDynamicInputPin());
+            if (!added) return;
+            added->setName(name);
+            read(*added, input, true);
+        });
+}
+
+} // namespace
+
 bool Node_Pass::readInputs_fromBoostPropertyTree(const PropertyTree& tree) {
-    tree::forEachNamed(tree, "inputs", "input",
-                       [&](const TM_String& name, const PropertyTree& input) {
-                           Pin* pin = getInputPinPtrByName(name);
-                           if (!pin && !getCoreNode()->findAttribute(name)) {
-                               pin = dynamic_cast<Pin*>(addDynamicInputPin());
-                               if (pin) pin->setName(name);
-                           }
-                           if (pin) pin->readInternalConnections_fromBoostPropertyTree(input);
-                       });
+    readEachInput(*this, tree, [](Pin& pin, const PropertyTree& input, bool) {
+        pin.readInternalConnections_fromBoostPropertyTree(input);
+    });
     return true;
 }
 
@@ -149,17 +165,10 @@ void Node_Concentrator::pairAdded(weft::Attribute* input, weft::Attribute* outpu
 }
 
 bool Node_Selector::readInputs_fromBoostPropertyTree(const PropertyTree& tree) {
-    tree::forEachNamed(tree, "inputs", "input",
-                       [&](const TM_String& name, const PropertyTree& input) {
-                           if (Pin* known = getInputPinPtrByName(name)) {
-                               known->read_fromBoostPropertyTree(input);
-                               return;
-                           }
-                           auto* added = dynamic_cast<Pin*>(addDynamicInputPin());
-                           if (!added) return;
-                           added->setName(name);
-                           added->readInternalConnections_fromBoostPropertyTree(input);
-                       });
+    readEachInput(*this, tree, [](Pin& pin, const PropertyTree& input, bool isNew) {
+        if (!isNew) pin.read_fromBoostPropertyTree(input);
+        if (isNew) pin.readInternalConnections_fromBoostPropertyTree(input);
+    });
     return true;
 }
 

@@ -35,7 +35,8 @@ namespace tidemark::sluice::graph {
 class SLUICE_API Node_Pass : public Node {
 public:
     void createWeftNode() override;
-    /// Adds the inputs that are missing. Always true, as the other readers.
+    /// Adds the inputs that are missing; a second one of a name is a pin of its own. Always true,
+    /// as the other readers.
     bool readInputs_fromBoostPropertyTree(const PropertyTree& tree) override;
     /// Renames the outputs that there are, in order; more of them are an error on the node. A file
     /// without internal connections leaves the one from the first input to the first output.
@@ -48,7 +49,7 @@ public:
     void createWeftNode() override;
     GraphNodePin* addDynamicInputPin() override;
     GraphNodePin* addDynamicOutputPin() override;
-    /// Reads the pins that there are and adds the others.
+    /// Reads the pins that there are and adds the others, also a second one of a name.
     bool readInputs_fromBoostPropertyTree(const PropertyTree& tree) override;
     /// Renames the outputs that there are, in order, and adds the others.
     bool readOutputs_fromBoostPropertyTree(const PropertyTree& tree) override;
