@@ -27,6 +27,11 @@ std::vector<std::string> graphFilesBelow(const std::string& folder) {
     for (const fs::recursive_directory_iterator end; !error && entry != end;
          entry.increment(error)) {
         std::error_code unknown;
+        // Such files are not meant to be seen, and what stands before their point names no type.
+        if (entry->path().filename().string().front() == '.') {
+            entry.disable_recursion_pending();
+            continue;
+        }
         if (entry->is_regular_file(unknown) && entry->path().extension() == ".xml") {
             files.push_back(entry->path().string());
         }

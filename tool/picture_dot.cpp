@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "tool/picture_text.h"
+#include "core/markup.h"
+#include "tool/picture_colors.h"
 #include "tool/picture_writers.h"
 
 namespace tidemark::tool {
@@ -19,7 +20,7 @@ using tidemark::graph::GraphNodePin;
 
 /// As markup of a label. Graphviz refuses empty elements.
 std::string bold(const std::string& text) {
-    return text.empty() ? " " : "<B>" + escaped(text) + "</B>";
+    return text.empty() ? " " : "<B>" + text::escapedMarkup(text) + "</B>";
 }
 
 /// Writes one picture. Nodes are numbered: full names need not be unique.
@@ -44,7 +45,7 @@ private:
         std::string rows;
         for (uint32_t i = 0; i < pins.size(); ++i) {
             rows += std::string("<TR><TD PORT=\"") + side + std::to_string(i) + "\" ALIGN=\"" +
-                    align + "\">" + escaped(pins[i]->getName()) + "</TD></TR>";
+                    align + "\">" + text::escapedMarkup(pins[i]->getName()) + "</TD></TR>";
         }
         return rows.empty() ? std::string("<TR><TD></TD></TR>") : rows;
     }
@@ -75,9 +76,10 @@ private:
                 " [label=<<TABLE BORDER=\"1\" CELLBORDER=\"0\" CELLSPACING=\"0\"><TR><TD "
                 "COLSPAN=\"2\" BGCOLOR=\"" +
                 hex(color) + "\"><FONT COLOR=\"" + (isDark(color) ? "white" : "black") + "\">" +
-                bold(headName(node)) + " " + escaped(headType(node)) + "</FONT></TD></TR><TR><TD>" +
-                table + cells(node.getArrInputPin(), "i", "LEFT") + "</TABLE></TD><TD>" + table +
-                cells(node.getArrOutputPin(), "o", "RIGHT") + "</TABLE></TD></TR></TABLE>>];\n";
+                bold(headName(node)) + " " + text::escapedMarkup(headType(node)) +
+                "</FONT></TD></TR><TR><TD>" + table + cells(node.getArrInputPin(), "i", "LEFT") +
+                "</TABLE></TD><TD>" + table + cells(node.getArrOutputPin(), "o", "RIGHT") +
+                "</TABLE></TD></TR></TABLE>>];\n";
         for (const GraphNodeBase* child : node.children()) addNode(*child);
         if (isFrame) out_ += "}\n";
     }

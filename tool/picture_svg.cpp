@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tool/picture_text.h"
+#include "core/markup.h"
+#include "tool/picture_colors.h"
 #include "tool/picture_writers.h"
 
 namespace tidemark::tool {
@@ -76,7 +77,7 @@ private:
                  const std::string& text) {
         out_ += "<text x=\"" + number(x) + "\" y=\"" + number(y) + "\" text-anchor=\"" + anchor +
                 "\"" + (classes.empty() ? "" : " class=\"" + classes + "\"") + ">" +
-                escaped(cut(text, 60)) + "</text>\n";
+                text::escapedMarkup(text::cutText(text, 60)) + "</text>\n";
     }
 
     void addNode(const Box& box) {
@@ -85,14 +86,14 @@ private:
         const std::string x = number(box.x);
         const std::string y = number(box.y);
         const std::string width = number(box.width);
-        out_ +=
-            "<g>\n<title>" +
-            escaped(node.getFullName() + "\n" + node.getType() + " (" + node.getCategory() + ")") +
-            "</title>\n<rect class=\"" + (box.inside.empty() ? "node" : "frame") +
-            "\" rx=\"6\" x=\"" + x + "\" y=\"" + y + "\" width=\"" + width + "\" height=\"" +
-            number(box.height) + "\"/>\n<path fill=\"" + hex(color) + "\" d=\"M" + x + " " +
-            number(box.y + headHeight) + "v" + number(6 - headHeight) + "a6 6 0 0 1 6 -6h" +
-            number(box.width - 12) + "a6 6 0 0 1 6 6v" + number(headHeight - 6) + "z\"/>\n";
+        out_ += "<g>\n<title>" +
+                text::escapedMarkup(node.getFullName() + "\n" + node.getType() + " (" +
+                                    node.getCategory() + ")") +
+                "</title>\n<rect class=\"" + (box.inside.empty() ? "node" : "frame") +
+                "\" rx=\"6\" x=\"" + x + "\" y=\"" + y + "\" width=\"" + width + "\" height=\"" +
+                number(box.height) + "\"/>\n<path fill=\"" + hex(color) + "\" d=\"M" + x + " " +
+                number(box.y + headHeight) + "v" + number(6 - headHeight) + "a6 6 0 0 1 6 -6h" +
+                number(box.width - 12) + "a6 6 0 0 1 6 6v" + number(headHeight - 6) + "z\"/>\n";
         const std::string tone = isDark(color) ? "light" : "dark";
         addText(box.x + padding, box.y + 16, "start", "name " + tone, headName(node));
         if (!headType(node).empty()) {
@@ -108,10 +109,10 @@ private:
         const Picture::Point place = picture_.pinPlace(pin);
         std::string tip = pin.getFullName() + "\n" + pin.getFirstSpecialization();
         const TM_String value = pin.getValueAsString(false);
-        if (!value.empty()) tip += "\n" + cut(value, longestTip);
-        out_ += "<g><title>" + escaped(tip) + "</title><circle class=\"pin\" r=\"4\" cx=\"" +
-                number(place.x) + "\" cy=\"" + number(place.y) + "\" fill=\"" +
-                hex(pin.getColor()) + "\"/>";
+        if (!value.empty()) tip += "\n" + text::cutText(value, longestTip);
+        out_ += "<g><title>" + text::escapedMarkup(tip) +
+                "</title><circle class=\"pin\" r=\"4\" cx=\"" + number(place.x) + "\" cy=\"" +
+                number(place.y) + "\" fill=\"" + hex(pin.getColor()) + "\"/>";
         const double side = pin.isInput() ? padding : -padding;
         addText(place.x + side, place.y + 4, pin.isInput() ? "start" : "end", "", pin.getName());
         out_ += "</g>\n";
@@ -130,7 +131,7 @@ private:
         }
         out_ += "<path class=\"wire\" stroke=\"" + hex(source->getColor()) + "\" d=\"" + way +
                 curve(at, b) + "\"><title>" +
-                escaped(source->getFullName() + "\n-> " + target->getFullName()) +
+                text::escapedMarkup(source->getFullName() + "\n-> " + target->getFullName()) +
                 "</title></path>\n";
     }
 
@@ -141,10 +142,11 @@ private:
         uint32_t shown = 0;
         for (const Message& message : handler.messages()) {
             if (shown++ == mostMessages) break;
-            tip += (tip.empty() ? "" : "\n") + cut(message.asString(), longestTip);
+            tip += (tip.empty() ? "" : "\n") + text::cutText(message.asString(), longestTip);
         }
         const double x = box.x + box.width;
-        out_ += "<g class=\"badge\"><title>" + escaped(tip) + "</title><circle class=\"" +
+        out_ += "<g class=\"badge\"><title>" + text::escapedMarkup(tip) +
+                "</title><circle class=\"" +
                 (handler.hasErrorsOrCriticals() ? "error" : "warning") + "\" r=\"9\" cx=\"" +
                 number(x) + "\" cy=\"" + number(box.y) + "\"/>";
         addText(x, box.y + 4, "middle", "mark", "!");

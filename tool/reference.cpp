@@ -6,6 +6,7 @@
 #include <map>
 
 #include "bridge/host.h"
+#include "core/markup.h"
 #include "graph/scene_manager.h"
 #include "host/standalone_host.h"
 #include "persistence/file_save.h"
@@ -23,44 +24,22 @@ namespace {
 namespace fs = std::filesystem;
 using sluice::graph::NodeFactory;
 using sluice::graph::SceneManager;
+using text::escapedMarkup;
 
-std::string escaped(const std::string& text) {
-    std::string out;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
-
-/// A name that is good for a file and a link, whatever the text is.
+/// A name that is good for a file and a link, and of its own for every text.
 std::string fileName(const std::string& text) {
     std::string out;
     for (const char c : text) {
         const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                             (c >= '0' && c <= '9') || c == '.' || c == '-';
-        out += isPlain ? std::string(1, c) : "_";
+                             (c >= '0' && c <= '9') || c == '.' || c == '_';
+        out += isPlain ? std::string(1, c) : text::format("-%02x", static_cast<unsigned char>(c));
     }
     return out + ".html";
 }
 
 std::string paragraphs(std::string text) {
     text.erase(text.find_last_not_of("\n ") + 1);
-    return "<p>" + text::replaceAll(escaped(text), "\n", "</p>\n<p>") + "</p>\n";
+    return "<p>" + text::replaceAll(escapedMarkup(text), "\n", "</p>\n<p>") + "</p>\n";
 }
 
 /// Writes all pages of one reference.
@@ -115,7 +94,7 @@ private:
         return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
                "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
                "<meta name=\"color-scheme\" content=\"light dark\">\n<title>" +
-               escaped(title) + "</title>\n<link rel=\"stylesheet\" href=\"" + above +
+               escapedMarkup(title) + "</title>\n<link rel=\"stylesheet\" href=\"" + above +
                "style.css\">\n</head>\n<body>\n<header><a class=\"home\" href=\"" + above +
                "index.html\">Sluice Graph <span>node reference</span></a></header>\n<main>\n" +
                content + "</main>\n</body>\n</html>\n";
@@ -124,9 +103,9 @@ private:
     std::string item(std::size_t index, const std::string& above) const {
         const Json& node = nodes_[index];
         const std::string type = node["type"];
-        return "<li data-words=\"" + escaped(text::toLower(wordsOf(node))) + "\"><a href=\"" +
-               above + "types/" + fileName(type) + "\">" + escaped(type) + "</a> <span>" +
-               escaped(firstLine(node["description"])) + "</span></li>\n";
+        return "<li data-words=\"" + escapedMarkup(text::toLower(wordsOf(node))) + "\"><a href=\"" +
+               above + "types/" + fileName(type) + "\">" + escapedMarkup(type) + "</a> <span>" +
+               escapedMarkup(firstLine(node["description"])) + "</span></li>\n";
     }
 
     static std::string wordsOf(const Json& node) {
@@ -150,7 +129,7 @@ private:
             "<div id=\"all\">\n";
         for (const auto& [category, members] : categories_) {
             content += "<section><h2><a href=\"categories/" + fileName(category) + "\">" +
-                       escaped(category) + "</a> <small>" + std::to_string(members.size()) +
+                       escapedMarkup(category) + "</a> <small>" + std::to_string(members.size()) +
                        "</small></h2>\n<ul class=\"types\">\n";
             for (const std::size_t member : members) content += item(member, "");
             content += "</ul></section>\n";
@@ -161,7 +140,7 @@ private:
 
     std::string categoryPage(const std::string& category,
                              const std::vector<std::size_t>& members) const {
-        std::string content = "<h1>" + escaped(category) + "</h1>\n<ul class=\"types\">\n";
+        std::string content = "<h1>" + escapedMarkup(category) + "</h1>\n<ul class=\"types\">\n";
         for (const std::size_t member : members) content += item(member, "../");
         return page(category, "../", content + "</ul>\n");
     }
@@ -182,7 +161,7 @@ private:
     }
 
     std::string valuePage(const std::string& type, const Users& users) const {
-        std::string content = "<h1>" + escaped(type) +
+        std::string content = "<h1>" + escapedMarkup(type) +
                               "</h1>\n<p>Values of this type flow along connections between pins "
                               "that allow it.</p>\n";
         const auto list = [&](const char* title, const std::vector<std::size_t>& members) {
@@ -204,7 +183,7 @@ private:
         for (const Json& type : types) {
             const std::string name = type;
             links += (links.empty() ? "" : ", ") + ("<a href=\"../values/" + fileName(name)) +
-                     "\">" + escaped(name) + "</a>";
+                     "\">" + escapedMarkup(name) + "</a>";
         }
         if (types.size() <= mostShown) return links;
         return "<details><summary>" + std::to_string(types.size()) + " types</summary>" + links +
@@ -214,7 +193,7 @@ private:
     /// One element stands for itself.
     static std::string defaultText(const Json& value) {
         if (value.is_null() || value.empty()) return {};
-        return escaped(value.size() == 1 ? value[0].dump() : value.dump());
+        return escapedMarkup(dumped(value.size() == 1 ? value[0] : value));
     }
 
     static std::string pinTable(const char* title, const char* side, const Json& pins) {
@@ -226,16 +205,16 @@ private:
             "<th>Meaning</th></tr></thead>\n<tbody>\n";
         for (const Json& pin : pins) {
             const std::string name = pin["name"];
-            std::string meaning = escaped(pin["description"].get<std::string>());
+            std::string meaning = escapedMarkup(pin["description"].get<std::string>());
             if (pin.contains("options")) {
                 std::string options;
                 for (const Json& option : pin["options"]) {
                     options += (options.empty() ? "" : ", ") + option.get<std::string>();
                 }
-                meaning += "<br><em>Options:</em> " + escaped(options);
+                meaning += "<br><em>Options:</em> " + escapedMarkup(options);
             }
-            table += "<tr id=\"" + std::string(side) + "-" + escaped(name) +
-                     "\"><th scope=\"row\">" + escaped(name) + "</th><td>" + typesCell(pin) +
+            table += "<tr id=\"" + std::string(side) + "-" + escapedMarkup(name) +
+                     "\"><th scope=\"row\">" + escapedMarkup(name) + "</th><td>" + typesCell(pin) +
                      "</td>" +
                      (isInput ? "<td><code>" + defaultText(pin["value"]) + "</code></td>" : "") +
                      "<td>" + text::replaceAll(meaning, "\n", "<br>") + "</td></tr>\n";
@@ -249,9 +228,9 @@ private:
         for (const Json& category : node["allowedCategories"]) {
             const std::string name = category;
             content += "<a class=\"category\" href=\"../categories/" + fileName(name) + "\">" +
-                       escaped(name) + "</a> ";
+                       escapedMarkup(name) + "</a> ";
         }
-        content += "</nav>\n<h1>" + escaped(type) + "</h1>\n" +
+        content += "</nav>\n<h1>" + escapedMarkup(type) + "</h1>\n" +
                    paragraphs(node["description"].get<std::string>());
         if (node["dynamicPins"] == true) {
             content += "<p class=\"note\">Users can add pins to this node.</p>\n";

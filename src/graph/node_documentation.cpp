@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "core/enum_value.h"
+#include "core/markup.h"
 #include "graph/graph_node.h"
 #include "graph/graph_scene.h"
 
@@ -15,13 +16,6 @@ namespace {
 constexpr std::size_t longestTooltipText = 60;
 constexpr std::size_t longestOpenList = 3; // longer ones fold
 
-TM_String cut(const TM_String& text) {
-    if (text.size() <= longestTooltipText) return text;
-    std::size_t end = longestTooltipText;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) --end;
-    return text.substr(0, end) + "...";
-}
-
 TM_String bytesText(uint64_t bytes) {
     const char* const units[] = {"B", "KB", "MB", "GB", "TB"};
     double amount = static_cast<double>(bytes);
@@ -29,29 +23,6 @@ TM_String bytesText(uint64_t bytes) {
     for (; amount >= 1024.0 && unit + 1 < std::size(units); ++unit) amount /= 1024.0;
     return unit == 0 ? text::format("%d B", static_cast<int>(bytes))
                      : text::format("%.2f %s", amount, units[unit]);
-}
-
-TM_String escaped(const TM_String& text) {
-    TM_String out;
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
 }
 
 TM_String cell(const TM_String& content) {
@@ -69,7 +40,7 @@ TM_String tableHead() {
 
 TM_String listText(const Array<TM_String>& names) {
     TM_String list = "<ul>";
-    for (const TM_String& name : names) list += "<li>" + escaped(name) + "</li>";
+    for (const TM_String& name : names) list += "<li>" + text::escapedMarkup(name) + "</li>";
     return list + "</ul>";
 }
 
@@ -97,7 +68,8 @@ TM_String folding(const char* title, const Array<TM_String>& names, bool expande
 TM_String namesText(const char* title, const Array<TM_String>& names, bool expander) {
     if (names.size() > longestOpenList) return folding(title, names, expander);
     TM_String list;
-    for (const TM_String& name : names) list += (list.empty() ? "" : ", ") + escaped(name);
+    for (const TM_String& name : names)
+        list += (list.empty() ? "" : ", ") + text::escapedMarkup(name);
     return list;
 }
 
@@ -126,7 +98,7 @@ TM_String passThroughText(const Pin& pin) {
     pin.allowedInternalConnections(others);
     TM_String list;
     for (const GraphNodePin* other : others) {
-        list += (list.empty() ? "" : ", ") + escaped(other->getName());
+        list += (list.empty() ? "" : ", ") + text::escapedMarkup(other->getName());
     }
     return list;
 }
@@ -152,7 +124,7 @@ TM_String paragraphs(const TM_String& description) {
     while (!text.empty() && (text.back() == '.' || text.back() == '\n' || text.back() == ' ')) {
         text.pop_back();
     }
-    if (!isMarkup(text)) text = escaped(text);
+    if (!isMarkup(text)) text = text::escapedMarkup(text);
     return "<p>" + text::replaceAll(text, "\n", "</p><p>") + ".</p>";
 }
 
@@ -165,14 +137,10 @@ TM_String Pin::getInfo() const {
     TM_String info = getName();
     if (!attribute) return info;
     if (const weft::Value* held = value()) info += text::format(" (%d)", int(held->size()));
-    info += "->" + cut(attribute->allowedSpecializationsText());
+    info += "->" + text::cutText(attribute->allowedSpecializationsText(), longestTooltipText);
     const TM_String whole = getValueAsString(false);
-    const TM_String shown = cut(whole);
-    const bool isCut = shown.size() != whole.size();
-    if (!whole.empty()) {
-        const TM_String begin = isCut ? shown.substr(0, shown.size() - 3) : shown;
-        info += text::format("\nValue->%s%s", begin.c_str(), isCut ? "..." : "");
-    }
+    const TM_String shown = text::cutText(whole, longestTooltipText);
+    if (!whole.empty()) info += "\nValue->" + shown;
     if (attribute->networkManager() && attribute->networkManager()->monitoring()) {
         const double seconds = attribute->accumulatedTime();
         info += text::format("\nTime->%fs", seconds);
@@ -191,9 +159,9 @@ TM_String Pin::asHTML() const {
 }
 
 TM_String Pin::asConfluenceHTML(const bool& expander) const {
-    return "<tr>" + cell(escaped(getName())) + cell(typesText(*this, expander)) +
+    return "<tr>" + cell(text::escapedMarkup(getName())) + cell(typesText(*this, expander)) +
            cell(passThroughText(*this)) +
-           cell(text::replaceAll(escaped(getDescription()), "\n", "<br/>")) + "</tr>";
+           cell(text::replaceAll(text::escapedMarkup(getDescription()), "\n", "<br/>")) + "</tr>";
 }
 
 // Nodes.
@@ -201,7 +169,7 @@ TM_String Pin::asConfluenceHTML(const bool& expander) const {
 TM_String Node::asHTML() const { return asSinglePageConfluenceHTML(); }
 
 TM_String Node::asConfluenceHTML(const bool& expander) const {
-    const TM_String type = escaped(getType());
+    const TM_String type = text::escapedMarkup(getType());
     TM_String page = "<ac:structured-macro ac:name=\"anchor\"><ac:parameter ac:name=\"\">" + type +
                      "</ac:parameter></ac:structured-macro><h3>" + type + "</h3>";
     const int hint = getCoreNode() ? getCoreNode()->getThreadingModeHint() : 0;

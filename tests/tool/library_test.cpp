@@ -83,6 +83,24 @@ TEST_F(LibraryTest, TypeThatExistsIsReportedAndLeftOut) {
     EXPECT_NE(ended.out.find("(Math)"), std::string::npos);
 }
 
+TEST_F(LibraryTest, HiddenFilesAndFoldersAreNoTypes) {
+    std::filesystem::create_directories(path("lib.v1/.history/Sums"));
+    file("lib.v1/.history/Sums/Older.xml", triple);
+    file("lib.v1/.Triple.xml", triple);
+    file("lib.v1/Sums/.Draft.xml", triple);
+    file("lib.v1/Sums/Shown.xml", triple);
+    const Ended listed = sluice({"nodes", "--library", "lib.v1", "--json"});
+    ASSERT_EQ(listed.status, 0) << listed.err;
+    EXPECT_EQ(listed.err, "");
+    std::vector<std::string> fromFiles;
+    const Json all = listed.json();
+    for (const Json& node : all["nodes"]) {
+        const std::string category = node["category"];
+        if (category.rfind("Sums", 0) == 0 || category == "User") fromFiles.push_back(node["type"]);
+    }
+    EXPECT_EQ(fromFiles, (std::vector<std::string>{"Shown", "Triple"}));
+}
+
 TEST_F(LibraryTest, FolderThatIsNoneIsRefused) {
     const Ended ended = sluice({"run", "user.xml", "--library", "nowhere"});
     EXPECT_EQ(ended.status, 2);

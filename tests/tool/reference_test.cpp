@@ -60,8 +60,8 @@ TEST_F(ReferenceTest, HasAPagePerTypeAndPerCategory) {
         for (const Json& category : node["allowedCategories"]) categories.insert(category);
     }
     for (const std::string& category : categories) {
-        std::string name = category;
-        for (char& c : name) c = c == ' ' ? '_' : c;
+        std::string name;
+        for (const char c : category) name += c == ' ' ? std::string("-20") : std::string(1, c);
         EXPECT_TRUE(exists("docs/categories/" + name + ".html")) << category;
     }
     EXPECT_GT(pages.size(), nodes.size() + categories.size());

@@ -39,7 +39,6 @@ public:
     /// The scene whose nodes are copied. It owns the graph node of this one.
     void setScene(tidemark::sluice::graph::SL_GraphScene* scene) { scene_ = scene; }
     tidemark::sluice::graph::SL_GraphScene* scene() const { return scene_; }
-    const NumericAttribute* array() const { return array_; }
     const NumericAttribute* element() const { return element_; }
 
 private:

@@ -26,8 +26,7 @@ bool isPlain(const Value& value) {
 }
 
 KernelPlan::End variableEnd(std::size_t variable) {
-    constexpr std::size_t ownOutputs = 3; // element, thread id, index
-    return {KernelPlan::vars, static_cast<uint32_t>(ownOutputs + variable)};
+    return {KernelPlan::vars, KernelVars::ownOutputs + static_cast<uint32_t>(variable)};
 }
 
 uint32_t countBelow(const KernelPlan::GraphNode& node) {

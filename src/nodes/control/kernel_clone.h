@@ -2,7 +2,6 @@
 // The private copy of a graph that one thread of a kernel runs.
 #pragma once
 
-#include <map>
 #include <set>
 #include <vector>
 

@@ -4,6 +4,7 @@
 
 #include "nodes/control/compound.h"
 #include "nodes/control/kernel.h"
+#include "nodes/control/kernel_vars.h"
 #include "persistence/tree_access.h"
 
 namespace weft {
@@ -14,8 +15,6 @@ using tidemark::graph::GraphConnection;
 using tidemark::graph::GraphNodeBase;
 using tidemark::sluice::graph::PropertyTree;
 namespace tree = tidemark::sluice::graph::tree;
-
-constexpr uint32_t ownOutputsOfVars = 3; // element, thread id, index
 
 // A stand-in with a pin per attribute. Pins are known by their places, so a name that comes twice
 // or that the node uses itself may be changed.
@@ -145,7 +144,7 @@ bool KernelPlan::findEnd(const Attribute& attribute, End& end) const {
         return attribute.isOutput();
     }
     if (const auto variable = variablePlaces_.find(&attribute); variable != variablePlaces_.end()) {
-        end = {vars, ownOutputsOfVars + variable->second};
+        end = {vars, KernelVars::ownOutputs + variable->second};
         return true;
     }
     const auto place = nodePlaces_.find(owner);

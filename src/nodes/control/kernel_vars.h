@@ -13,6 +13,9 @@ class SLUICE_API KernelVars : public Node {
 public:
     KernelVars(NetworkManager* manager, const TM_String& name, Node* parent);
 
+    /// Outputs that there always are; those of the variables follow.
+    static constexpr uint32_t ownOutputs = 3;
+
     // The outputs that there always are, owned by the node as all attributes are.
     NumericAttribute* element;
     NumericAttribute* threadId;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // Escaping for XML, by its definition of a character (Extensible Markup Language 1.0, section 2.2).
-#include "tool/picture_text.h"
+#include "core/markup.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdint>
 
-namespace tidemark::tool {
+namespace tidemark::text {
 
 namespace {
 
@@ -15,7 +15,7 @@ bool isXmlCharacter(uint32_t code) {
 }
 
 /// Bytes of the UTF-8 character at `at`; 0 when none that XML can hold stands there.
-std::size_t characterLength(const std::string& text, std::size_t at) {
+std::size_t characterLength(std::string_view text, std::size_t at) {
     const auto first = static_cast<unsigned char>(text[at]);
     const std::size_t length = first < 0x80   ? 1
                                : first < 0xc0 ? 0
@@ -36,8 +36,8 @@ std::size_t characterLength(const std::string& text, std::size_t at) {
 
 } // namespace
 
-std::string escaped(const std::string& text) {
-    std::string out;
+TM_String escapedMarkup(std::string_view text) {
+    TM_String out;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = characterLength(text, at);
         const char c = length == 0 ? '?' : text[at];
@@ -55,28 +55,21 @@ std::string escaped(const std::string& text) {
             out += "&quot;";
             break;
         default:
-            out += length > 1 ? text.substr(at, length) : std::string(1, c);
+            if (length > 1) {
+                out += text.substr(at, length);
+            } else {
+                out += c;
+            }
         }
         at += std::max<std::size_t>(length, 1);
     }
     return out;
 }
 
-std::string cut(const std::string& text, std::size_t most) {
-    if (text.size() <= most) return text;
+TM_String cutText(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return TM_String(text);
     while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xc0) == 0x80) --most;
-    return text.substr(0, most) + "...";
+    return TM_String(text.substr(0, most)) + "...";
 }
 
-std::string hex(const Color4<float>& color) {
-    const auto part = [](float value) {
-        return static_cast<int>(std::lround(std::min(std::max(value, 0.0f), 1.0f) * 255.0f));
-    };
-    return text::format("#%02x%02x%02x", part(color.r), part(color.g), part(color.b));
-}
-
-bool isDark(const Color4<float>& color) {
-    return 0.299f * color.r + 0.587f * color.g + 0.114f * color.b < 0.55f;
-}
-
-} // namespace tidemark::tool
+} // namespace tidemark::text
