@@ -5,16 +5,13 @@
 #include <array>
 
 #include "graph/define_node.h"
+#include "nodes/values/value_tools.h"
 
 namespace weft {
 
-namespace {
+using tidemark::sluice::graph::selectorOf;
 
-// Of the attribute's own list: the value that it reads may not have settled yet.
-NumericType selectorOf(const Attribute& attribute) {
-    const SpecializationList& list = attribute.specializations();
-    return list.size() == 1 ? numericTypeOf(list[0]) : NumericType::none;
-}
+namespace {
 
 struct PairLists {
     SpecializationList in1;

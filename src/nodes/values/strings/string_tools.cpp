@@ -20,9 +20,4 @@ void checkTextLength(uint64_t bytes) {
     if (bytes >= limits::largeRequest) limits::checkRequest(1, bytes);
 }
 
-void copyUnlessPassedThrough(const weft::Attribute& in, const weft::Attribute& out) {
-    if (out.isPassThrough() || !out.writeTarget()) return;
-    out.writeTarget()->copyFrom(in.currentValue());
-}
-
 } // namespace tidemark::sluice::graph

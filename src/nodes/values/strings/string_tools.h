@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the string nodes share: searching that stays linear, limits on long texts, and polling.
+// What the string nodes share: searching that stays linear, and limits on long texts.
 #pragma once
 
 #include <limits>
 #include <string_view>
 
-#include "core/network_manager.h"
 #include "core/string_value.h"
+#include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
 
@@ -22,32 +22,5 @@ inline int32_t toInteger(std::size_t length) {
 
 /// Throws `std::bad_alloc` when a text of that length would go beyond the process's memory limit.
 void checkTextLength(uint64_t bytes);
-
-/// Lets long work answer interrupts: counts characters and elements, and asks now and then.
-class WorkMeter {
-public:
-    explicit WorkMeter(const weft::NetworkManager& manager) : manager_(manager) {}
-    /// Throws when the run was interrupted.
-    void add(uint64_t work) {
-        done_ += work + 1;
-        if (done_ < workBetweenPolls) return;
-        done_ = 0;
-        manager_.pollInterrupt();
-    }
-
-private:
-    static constexpr uint64_t workBetweenPolls = uint64_t(1) << 20;
-
-    const weft::NetworkManager& manager_;
-    uint64_t done_ = 0;
-};
-
-/// The larger of two element counts.
-inline uint32_t largerSize(const weft::Value& a, const weft::Value& b) {
-    return a.size() > b.size() ? a.size() : b.size();
-}
-
-/// Copies what `in` shows to `out`, unless `out` shows it already.
-void copyUnlessPassedThrough(const weft::Attribute& in, const weft::Attribute& out);
 
 } // namespace tidemark::sluice::graph
