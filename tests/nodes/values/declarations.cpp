@@ -20,7 +20,7 @@ TM_String numberText(const weft::Numeric& value, const TM_String& type) {
     return text.substr(text.find(' ') + 1);
 }
 
-// "1" for every form of the same number: "1", "1.000000", "(1.000000,1.000000,1.000000)".
+// "1" for every form of the same number: "1" and "(1,1,1)".
 TM_String shortened(const TM_String& text) {
     std::vector<TM_String> parts(1);
     for (const char c : text) {
@@ -33,12 +33,7 @@ TM_String shortened(const TM_String& text) {
     if (std::adjacent_find(parts.begin(), parts.end(), std::not_equal_to<>()) != parts.end()) {
         return text;
     }
-    TM_String number = parts[0];
-    if (number.find('.') != TM_String::npos) {
-        number.erase(number.find_last_not_of('0') + 1);
-        if (number.back() == '.') number.pop_back();
-    }
-    return number;
+    return parts[0];
 }
 
 TM_String defaultText(const weft::Attribute& pin) {

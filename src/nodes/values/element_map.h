@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+// A function applied to every element of numeric arrays, on threads:
+//
+//     // result[i] = vector[i] * factor[i]; a shorter array repeats its last element.
+//     mapNumbers<Vector3<float>>(*this, 1.5, result, [](Vector3<float> v, float f) { return v * f;
+//     },
+//                                elementsOf<Vector3<float>>(vector), elementsOf<float>(factor));
+//
+// The function sees plain values and must not touch the network: everything was pulled before.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <tuple>
+#include <type_traits>
+
+#include "core/bit_array.h"
+#include "core/numeric.h"
+#include "nodes/values/element_loop.h"
+
+namespace tidemark::sluice::graph {
+
+/// The elements of type `T` that a reader of `number` sees, whichever type is selected.
+template <typename T>
+std::span<const T> elementsOf(const weft::Numeric& number) {
+    const Array<T>& array = number.values<T>();
+    return {array.data(), std::min(number.size(), array.size())};
+}
+
+/// How many elements a result has: none if any input is empty, else as many as the longest.
+inline uint32_t resultCount(std::initializer_list<std::size_t> counts) {
+    std::size_t most = 0;
+    for (const std::size_t count : counts) {
+        if (count == 0) return 0;
+        most = std::max(most, count);
+    }
+    return static_cast<uint32_t>(most);
+}
+
+/// An input read block by block as if it went on for ever with its last element.
+template <typename T>
+class RepeatingReader {
+public:
+    static constexpr uint32_t blockLength = 256;
+
+    static_assert(std::is_trivially_destructible_v<T>);
+
+    explicit RepeatingReader(std::span<const T> elements) : elements_(elements) {}
+    RepeatingReader(const RepeatingReader& other) : elements_(other.elements_) {}
+
+    /// `count` elements from `first` on, at most `blockLength`; valid until the next call.
+    const T* block(uint32_t first, uint32_t count) {
+        const std::size_t size = elements_.size();
+        if (std::size_t(first) + count <= size) return elements_.data() + first;
+        T* const buffer = reinterpret_cast<T*>(bytes_);
+        if (isTail_) return buffer;
+        const uint32_t inside = first < size ? static_cast<uint32_t>(size) - first : 0;
+        std::uninitialized_copy_n(elements_.data() + (inside > 0 ? first : 0), inside, buffer);
+        std::uninitialized_fill(buffer + inside, buffer + blockLength, elements_.back());
+        isTail_ = inside == 0;
+        return buffer;
+    }
+
+private:
+    std::span<const T> elements_;
+    bool isTail_ = false;
+    alignas(T) unsigned char bytes_[sizeof(T) * blockLength]; // set by `block` where needed
+};
+
+// Each element is read before it is written, and no other depends on it.
+#if defined(__GNUC__) && !defined(__clang__)
+#define SLUICE_INDEPENDENT_ELEMENTS _Pragma("GCC ivdep")
+#else
+#define SLUICE_INDEPENDENT_ELEMENTS
+#endif
+
+namespace element_map {
+
+/// The caller writes every element.
+template <typename T>
+void sizeForWriting(Array<T>& array, uint32_t count) {
+    if constexpr (std::is_trivially_copyable_v<T>) {
+        array.resizeForOverwrite(count);
+    } else {
+        array.resize(count);
+    }
+}
+
+// In runs of a fixed length, which the compiler turns into vector instructions.
+template <typename R, typename Function, typename... A>
+[[gnu::always_inline]] inline void lanes(R* out, uint32_t count, Function& function,
+                                         const A*... in) {
+    constexpr std::size_t lanesPerRun = 16;
+    std::size_t i = 0;
+    for (; i + lanesPerRun <= count; i += lanesPerRun) {
+        SLUICE_INDEPENDENT_ELEMENTS
+        for (std::size_t k = i; k < i + lanesPerRun; ++k) out[k] = function(in[k]...);
+    }
+    for (; i < count; ++i) out[i] = function(in[i]...);
+}
+
+// Without fused operations: every machine gets the same numbers.
+#if defined(__x86_64__)
+template <typename R, typename Function, typename... A>
+[[gnu::target("avx2")]] void wideLanes(R* out, uint32_t count, Function& function, const A*... in) {
+    lanes(out, count, function, in...);
+}
+#endif
+
+SLUICE_API bool hasWideInstructions();
+
+template <typename R, typename Function, typename... A>
+void block(R* out, uint32_t count, Function& function, const A*... in) {
+#if defined(__x86_64__)
+    if (count >= 32 && hasWideInstructions()) return wideLanes(out, count, function, in...);
+#endif
+    lanes(out, count, function, in...);
+}
+
+template <typename R, typename Function, typename... A>
+void stretch(R* out, uint32_t first, uint32_t count, Function& function, std::span<const A>... in) {
+    std::tuple<RepeatingReader<A>...> readers{RepeatingReader<A>(in)...};
+    constexpr uint32_t most = RepeatingReader<R>::blockLength;
+    const uint32_t end = first + count;
+    for (uint32_t i = first; i < end;) {
+        const uint32_t length = std::min(most, end - i);
+        std::apply(
+            [&](auto&... reader) { block(out + i, length, function, reader.block(i, length)...); },
+            readers);
+        i += length;
+    }
+}
+
+} // namespace element_map
+
+#undef SLUICE_INDEPENDENT_ELEMENTS
+
+/// Makes the array of `R` in `result` as long as the longest of `in`, or empty when one of them is
+/// empty, and sets each element to `function` of theirs; then the size of `result`. `nanoseconds`
+/// is roughly what one element costs. An input may be the array that is written.
+template <typename R, typename Function, typename... A>
+void mapNumbers(const weft::Node& node, double nanoseconds, weft::Numeric& result,
+                Function function, std::span<const A>... in) {
+    const uint32_t count = resultCount({in.size()...});
+    Array<R>& array = result.refValues<R>();
+    const void* written = array.data();
+    const bool isReadElsewhere =
+        ((static_cast<const void*>(in.data()) == written && in.size() != count) || ...);
+    const auto compute = [&](R* out) {
+        forEachElement(node, count, nanoseconds, [&](uint32_t first, uint32_t length) {
+            element_map::stretch(out, first, length, function, in...);
+        });
+    };
+    if (isReadElsewhere) {
+        Array<R> made;
+        element_map::sizeForWriting(made, count);
+        compute(made.data());
+        if (array.isPinned()) {
+            array = made;
+        } else {
+            array = std::move(made);
+        }
+    } else {
+        element_map::sizeForWriting(array, count);
+        compute(array.data());
+    }
+    result.setSize(count);
+}
+
+/// The same for a result of bits, on the calling thread.
+template <typename Function, typename... A>
+void mapBits(const weft::Node& node, weft::BitArrayValue& result, Function function,
+             std::span<const A>... in) {
+    const uint32_t count = resultCount({in.size()...});
+    result.resize(count, false);
+    std::tuple<RepeatingReader<A>...> readers{RepeatingReader<A>(in)...};
+    constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
+    constexpr uint32_t elementsBetweenPolls = uint32_t(1) << 18;
+    for (uint32_t first = 0; first < count; first += bitsPerWord) {
+        const uint32_t length = std::min(bitsPerWord, count - first);
+        uint32_t word = 0;
+        std::apply(
+            [&](auto&... reader) {
+                const auto blocks = std::make_tuple(reader.block(first, length)...);
+                for (uint32_t i = 0; i < length; ++i) {
+                    std::apply(
+                        [&](const auto*... in) { word |= uint32_t(function(in[i]...)) << i; },
+                        blocks);
+                }
+            },
+            readers);
+        result.wordData()[first / bitsPerWord] = word;
+        if (first % elementsBetweenPolls == 0) node.networkManager()->pollInterrupt();
+    }
+}
+
+} // namespace tidemark::sluice::graph
