@@ -2,9 +2,8 @@
 // Addition, subtraction, multiplication and division.
 #include "nodes/values/arithmetic.h"
 
-#include <array>
-
 #include "graph/define_node.h"
+#include "nodes/values/type_pairs.h"
 #include "nodes/values/value_tools.h"
 
 namespace weft {
@@ -13,53 +12,21 @@ using tidemark::sluice::graph::selectorOf;
 
 namespace {
 
-struct PairLists {
-    SpecializationList in1;
-    SpecializationList result;
-};
-
-// The names that occur in an allowed pair, in the order in which they are first seen.
-PairLists filteredPairs(Arithmetic code, SpecializationList in1List,
-                        SpecializationList resultList) {
-    Array<TM_String> in1Names;
-    Array<TM_String> resultNames;
-    for (const TM_String& name : resultList.names()) {
-        for (const NumericType type : allowedSecondTypes(code, numericTypeOf(name))) {
-            const TM_String& second = nameOf(type);
-            if (!in1List.contains(second)) continue;
-            if (!in1Names.contains(second)) in1Names.append(second);
-            if (!resultNames.contains(name)) resultNames.append(name);
-        }
-    }
-    return {SpecializationList(in1Names), SpecializationList(resultNames)};
+template <Arithmetic code>
+std::span<const NumericType> secondTypes(NumericType first) {
+    return allowedSecondTypes(code, first);
 }
 
-// Networks settle the same few lists over and over.
-class PairMemory {
-public:
-    const PairLists& lists(Arithmetic code, SpecializationList in1, SpecializationList result) {
-        for (uint32_t i = 0; i < used_; ++i) {
-            const Entry& entry = entries_[i];
-            if (entry.code == code && entry.in1 == in1 && entry.result == result) {
-                return entry.lists;
-            }
-        }
-        const uint32_t slot = used_ < entries_.size() ? used_++ : next_++ % entries_.size();
-        entries_[slot] = {code, in1, result, filteredPairs(code, in1, result)};
-        return entries_[slot].lists;
+TypePairs pairsOf(Arithmetic code) {
+    switch (code) {
+    case Arithmetic::mul:
+        return secondTypes<Arithmetic::mul>;
+    case Arithmetic::div:
+        return secondTypes<Arithmetic::div>;
+    default:
+        return secondTypes<Arithmetic::add>;
     }
-
-private:
-    struct Entry {
-        Arithmetic code = Arithmetic::add;
-        SpecializationList in1;
-        SpecializationList result;
-        PairLists lists;
-    };
-    std::array<Entry, 16> entries_;
-    uint32_t used_ = 0;
-    uint32_t next_ = 0;
-};
+}
 
 } // namespace
 
@@ -94,17 +61,10 @@ void ArithmeticNode::update(Attribute*) {
 void ArithmeticNode::updateSpecializationLink(Attribute* first, Attribute* second,
                                               SpecializationList& firstList,
                                               SpecializationList& secondList) {
-    if (first == in1_ && second == result_) return filterPairs(firstList, secondList);
-    if (first == result_ && second == in1_) return filterPairs(secondList, firstList);
+    const TypePairs pairs = pairsOf(code_);
+    if (first == in1_ && second == result_) return filterPairs(pairs, firstList, secondList);
+    if (first == result_ && second == in1_) return filterPairs(pairs, secondList, firstList);
     Node::updateSpecializationLink(first, second, firstList, secondList);
-}
-
-void ArithmeticNode::filterPairs(SpecializationList& in1List,
-                                 SpecializationList& resultList) const {
-    thread_local PairMemory memory;
-    const PairLists& lists = memory.lists(code_, in1List, resultList);
-    in1List = lists.in1;
-    resultList = lists.result;
 }
 
 void ArithmeticNode::attributeSpecializationChanged(Attribute*) {

@@ -25,8 +25,6 @@ protected:
     ArithmeticNode(NetworkManager* manager, const TM_String& name, Node* parent, Arithmetic code);
 
 private:
-    void filterPairs(SpecializationList& in1List, SpecializationList& resultList) const;
-
     NumericAttribute* in0_ = nullptr;
     NumericAttribute* in1_ = nullptr;
     NumericAttribute* result_ = nullptr;

@@ -79,6 +79,9 @@ private:
 
 namespace element_map {
 
+template <typename T>
+constexpr uint32_t componentsOf = sizeof(T) / sizeof(float);
+
 /// The caller writes every element.
 template <typename T>
 void sizeForWriting(Array<T>& array, uint32_t count) {
@@ -120,7 +123,7 @@ void block(R* out, uint32_t count, Function& function, const A*... in) {
     lanes(out, count, function, in...);
 }
 
-template <typename R, typename Function, typename... A>
+template <bool byComponent, typename R, typename Function, typename... A>
 void stretch(R* out, uint32_t first, uint32_t count, Function& function, std::span<const A>... in) {
     std::tuple<RepeatingReader<A>...> readers{RepeatingReader<A>(in)...};
     constexpr uint32_t most = RepeatingReader<R>::blockLength;
@@ -128,10 +131,47 @@ void stretch(R* out, uint32_t first, uint32_t count, Function& function, std::sp
     for (uint32_t i = first; i < end;) {
         const uint32_t length = std::min(most, end - i);
         std::apply(
-            [&](auto&... reader) { block(out + i, length, function, reader.block(i, length)...); },
+            [&](auto&... reader) {
+                if constexpr (byComponent) {
+                    block(reinterpret_cast<float*>(out + i), length * componentsOf<R>, function,
+                          reinterpret_cast<const float*>(reader.block(i, length))...);
+                } else {
+                    block(out + i, length, function, reader.block(i, length)...);
+                }
+            },
             readers);
         i += length;
     }
+}
+
+// What `mapNumbers` and `mapComponents` share.
+template <bool byComponent, typename R, typename Function, typename... A>
+void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Function& function,
+         std::span<const A>... in) {
+    const uint32_t count = resultCount({in.size()...});
+    Array<R>& array = result.refValues<R>();
+    const void* written = array.data();
+    const bool isReadElsewhere =
+        ((static_cast<const void*>(in.data()) == written && in.size() != count) || ...);
+    const auto compute = [&](R* out) {
+        forEachElement(node, count, nanoseconds, [&](uint32_t first, uint32_t length) {
+            stretch<byComponent>(out, first, length, function, in...);
+        });
+    };
+    if (isReadElsewhere) {
+        Array<R> made;
+        sizeForWriting(made, count);
+        compute(made.data());
+        if (array.isPinned()) {
+            array = made;
+        } else {
+            array = std::move(made);
+        }
+    } else {
+        sizeForWriting(array, count);
+        compute(array.data());
+    }
+    result.setSize(count);
 }
 
 } // namespace element_map
@@ -144,30 +184,15 @@ void stretch(R* out, uint32_t first, uint32_t count, Function& function, std::sp
 template <typename R, typename Function, typename... A>
 void mapNumbers(const weft::Node& node, double nanoseconds, weft::Numeric& result,
                 Function function, std::span<const A>... in) {
-    const uint32_t count = resultCount({in.size()...});
-    Array<R>& array = result.refValues<R>();
-    const void* written = array.data();
-    const bool isReadElsewhere =
-        ((static_cast<const void*>(in.data()) == written && in.size() != count) || ...);
-    const auto compute = [&](R* out) {
-        forEachElement(node, count, nanoseconds, [&](uint32_t first, uint32_t length) {
-            element_map::stretch(out, first, length, function, in...);
-        });
-    };
-    if (isReadElsewhere) {
-        Array<R> made;
-        element_map::sizeForWriting(made, count);
-        compute(made.data());
-        if (array.isPinned()) {
-            array = made;
-        } else {
-            array = std::move(made);
-        }
-    } else {
-        element_map::sizeForWriting(array, count);
-        compute(array.data());
-    }
-    result.setSize(count);
+    element_map::map<false, R>(node, nanoseconds, result, function, in...);
+}
+
+/// The same for inputs of one type that is made of floats, with a function of floats that is
+/// applied to each component.
+template <typename T, typename Function, typename... Same>
+void mapComponents(const weft::Node& node, double nanoseconds, weft::Numeric& result,
+                   Function function, std::span<const T> in, Same... more) {
+    element_map::map<true, T>(node, nanoseconds, result, function, in, more...);
 }
 
 /// The same for a result of bits, on the calling thread.
