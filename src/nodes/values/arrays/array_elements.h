@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+// How the array operations see the values of different element types: as spans and arrays of `T`.
+//
+// A port class joins by a specialization of `ArrayPort`; see those below. All ports of pointers
+// share one: their elements are `void*`.
+#pragma once
+
+#include <initializer_list>
+#include <span>
+
+#include "core/pointer_value.h"
+#include "core/string_value.h"
+#include "nodes/values/element_map.h"
+
+namespace tidemark::sluice::graph {
+
+/// Gives for a port class: `Value`, the class of its values; `read`, what a reader sees; `target`,
+/// where an output writes, or null.
+template <typename Port>
+struct ArrayPort;
+
+template <>
+struct ArrayPort<weft::NumericAttribute> {
+    using Value = weft::Numeric;
+    static const Value& read(const weft::NumericAttribute& port) { return port.numeric(); }
+    static Value* target(const weft::NumericAttribute& port) { return port.numericTarget(); }
+};
+
+template <>
+struct ArrayPort<weft::StringAttribute> {
+    using Value = weft::StringValue;
+    static const Value& read(const weft::StringAttribute& port) { return port.strings(); }
+    static Value* target(const weft::StringAttribute& port) { return port.stringsTarget(); }
+};
+
+template <>
+struct ArrayPort<weft::PointerAttribute> {
+    using Value = weft::PointerValueBase;
+    static const Value& read(const weft::PointerAttribute& port) { return port.pointers(); }
+    static Value* target(const weft::PointerAttribute& port) { return port.pointersTarget(); }
+};
+
+template <>
+struct ArrayPort<weft::BitArrayAttribute> {
+    using Value = weft::BitArrayValue;
+    static const Value& read(const weft::BitArrayAttribute& port) { return port.bits(); }
+    static Value* target(const weft::BitArrayAttribute& port) { return port.bitsTarget(); }
+};
+
+/// The port class whose operations a port of class `Attr` shares.
+template <typename Attr>
+using ArrayPortOf = std::conditional_t<std::is_base_of_v<weft::PointerAttribute, Attr>,
+                                       weft::PointerAttribute, Attr>;
+
+// Elements. `elementsOf<T>` of numbers stands in element_map.h.
+
+template <typename T>
+std::span<const T> elementsOf(const weft::StoredValue<T>& value) {
+    return {value.values().data(), value.values().size()};
+}
+template <typename T>
+Array<T>& refElements(weft::Numeric& value) {
+    return value.refValues<T>();
+}
+template <typename T>
+Array<T>& refElements(weft::StoredValue<T>& value) {
+    return value.refValues();
+}
+
+/// Calls `visit.template operator()<T>()` with the element type of `value`; nothing for numbers
+/// whose type is open.
+template <typename Visit>
+void withElementsOf(const weft::Numeric& value, Visit visit) {
+    weft::withElementType(value.type(), visit);
+}
+template <typename T, typename Visit>
+void withElementsOf(const weft::StoredValue<T>&, Visit visit) {
+    visit.template operator()<T>();
+}
+
+/// The value takes its size over from its array of `T`.
+template <typename T>
+void elementsWritten(weft::Numeric& value) {
+    value.setSize(value.values<T>().size());
+}
+template <typename T>
+void elementsWritten(weft::StoredValue<T>&) {}
+
+// Writing.
+
+/// Makes room for `count` elements, against the process limits. What stood there stays; new
+/// elements of trivial types are not set.
+template <typename T>
+void sizeForWriting(Array<T>& array, uint64_t count) {
+    if (count > array.capacity()) {
+        constexpr uint64_t most = 0x7fffffff;
+        if (count > most) throw std::bad_alloc();
+        limits::checkElements(count, sizeof(T));
+    }
+    element_map::sizeForWriting(array, static_cast<uint32_t>(count));
+}
+
+/// Lets `write` fill the array of `target`: its own array, or a fresh one that then takes the own
+/// one's place when `target` is among the values that `write` reads.
+template <typename T, typename Value, typename Write>
+void writeElements(Value& target, std::initializer_list<const weft::Value*> read, Write write) {
+    Array<T>& own = refElements<T>(target);
+    bool isRead = false;
+    for (const weft::Value* value : read) isRead = isRead || value == &target;
+    if (!isRead) {
+        write(own);
+    } else {
+        Array<T> made;
+        write(made);
+        if (own.isPinned()) {
+            own = made;
+        } else {
+            own = std::move(made);
+        }
+    }
+    elementsWritten<T>(target);
+}
+
+} // namespace tidemark::sluice::graph
