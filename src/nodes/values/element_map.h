@@ -123,30 +123,27 @@ void block(R* out, uint32_t count, Function& function, const A*... in) {
     lanes(out, count, function, in...);
 }
 
-template <bool byComponent, typename R, typename Function, typename... A>
-void stretch(R* out, uint32_t first, uint32_t count, Function& function, std::span<const A>... in) {
+/// Sets a stretch of `out` block by block with `writeBlock(out, length, in...)`.
+template <typename R, typename WriteBlock, typename... A>
+void stretch(R* out, uint32_t first, uint32_t count, WriteBlock& writeBlock,
+             std::span<const A>... in) {
     std::tuple<RepeatingReader<A>...> readers{RepeatingReader<A>(in)...};
     constexpr uint32_t most = RepeatingReader<R>::blockLength;
     const uint32_t end = first + count;
     for (uint32_t i = first; i < end;) {
         const uint32_t length = std::min(most, end - i);
         std::apply(
-            [&](auto&... reader) {
-                if constexpr (byComponent) {
-                    block(reinterpret_cast<float*>(out + i), length * componentsOf<R>, function,
-                          reinterpret_cast<const float*>(reader.block(i, length))...);
-                } else {
-                    block(out + i, length, function, reader.block(i, length)...);
-                }
-            },
+            [&](auto&... reader) { writeBlock(out + i, length, reader.block(i, length)...); },
             readers);
         i += length;
     }
 }
 
-// What `mapNumbers` and `mapComponents` share.
-template <bool byComponent, typename R, typename Function, typename... A>
-void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Function& function,
+/// Makes the array of `R` in `result` as long as the longest of `in`, or empty when one of them is
+/// empty, lets `writeBlock` set its elements, and sets the size of `result`. An input may be the
+/// array that is written.
+template <typename R, typename WriteBlock, typename... A>
+void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, WriteBlock writeBlock,
          std::span<const A>... in) {
     const uint32_t count = resultCount({in.size()...});
     Array<R>& array = result.refValues<R>();
@@ -155,7 +152,7 @@ void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Func
         ((static_cast<const void*>(in.data()) == written && in.size() != count) || ...);
     const auto compute = [&](R* out) {
         forEachElement(node, count, nanoseconds, [&](uint32_t first, uint32_t length) {
-            stretch<byComponent>(out, first, length, function, in...);
+            stretch(out, first, length, writeBlock, in...);
         });
     };
     if (isReadElsewhere) {
@@ -184,7 +181,12 @@ void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Func
 template <typename R, typename Function, typename... A>
 void mapNumbers(const weft::Node& node, double nanoseconds, weft::Numeric& result,
                 Function function, std::span<const A>... in) {
-    element_map::map<false, R>(node, nanoseconds, result, function, in...);
+    element_map::map<R>(
+        node, nanoseconds, result,
+        [&](R* out, uint32_t count, const A*... block) {
+            element_map::block(out, count, function, block...);
+        },
+        in...);
 }
 
 /// The same for inputs of one type that is made of floats, with a function of floats that is
@@ -192,7 +194,23 @@ void mapNumbers(const weft::Node& node, double nanoseconds, weft::Numeric& resul
 template <typename T, typename Function, typename... Same>
 void mapComponents(const weft::Node& node, double nanoseconds, weft::Numeric& result,
                    Function function, std::span<const T> in, Same... more) {
-    element_map::map<true, T>(node, nanoseconds, result, function, in, more...);
+    element_map::map<T>(
+        node, nanoseconds, result,
+        [&](T* out, uint32_t count, const auto*... block) {
+            element_map::block(reinterpret_cast<float*>(out), count * element_map::componentsOf<T>,
+                               function, reinterpret_cast<const float*>(block)...);
+        },
+        in, more...);
+}
+
+/// The same for reals, with a function of whole blocks: `function(in..., out, count)`.
+template <typename Function, typename... Same>
+void mapBlocks(const weft::Node& node, double nanoseconds, weft::Numeric& result, Function function,
+               std::span<const float> in, Same... more) {
+    element_map::map<float>(
+        node, nanoseconds, result,
+        [&](float* out, uint32_t count, const auto*... block) { function(block..., out, count); },
+        in, more...);
 }
 
 /// The same for a result of bits, on the calling thread.

@@ -4,6 +4,7 @@
 
 #include "graph/define_node.h"
 #include "nodes/values/functions/function_node.h"
+#include "nodes/values/functions/real_functions.h"
 
 namespace tidemark::sluice::graph {
 
@@ -32,7 +33,7 @@ public:
 
 protected:
     Routine routineFor(NumericType type) const override {
-        return componentwise<10, 1, float>(type, [](float x) { return std::sin(x); });
+        return type == NumericType::real ? onBlocks<1, 1, real_functions::sin> : nullptr;
     }
 };
 
@@ -47,7 +48,7 @@ public:
 
 protected:
     Routine routineFor(NumericType type) const override {
-        return componentwise<10, 1, float>(type, [](float x) { return std::cos(x); });
+        return type == NumericType::real ? onBlocks<1, 1, real_functions::cos> : nullptr;
     }
 };
 
@@ -77,7 +78,7 @@ public:
 
 protected:
     Routine routineFor(NumericType type) const override {
-        return componentwise<8, 1, float>(type, [](float x) { return std::exp(x); });
+        return type == NumericType::real ? onBlocks<1, 1, real_functions::exp> : nullptr;
     }
 };
 
@@ -96,7 +97,7 @@ public:
 
 protected:
     Routine routineFor(NumericType type) const override {
-        return componentwise<8, 1, float>(type, [](float x) { return std::log(x); });
+        return type == NumericType::real ? onBlocks<1, 1, real_functions::log> : nullptr;
     }
 };
 

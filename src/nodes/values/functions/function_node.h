@@ -84,6 +84,12 @@ void byComponent(const weft::Node& node, const NumericFunctionNode::Inputs& in,
     }
 }
 
+template <int nanoseconds, auto function, std::size_t... index>
+void applyToBlocks(const weft::Node& node, const NumericFunctionNode::Inputs& in,
+                   weft::Numeric& result, std::index_sequence<index...>) {
+    mapBlocks(node, nanoseconds, result, function, elementsOf<float>(*in[index])...);
+}
+
 } // namespace function_node
 
 /// A function of `inputs` numbers, applied to each component of elements of the types `T`; null for
@@ -96,6 +102,14 @@ NumericFunctionNode::Routine componentwise(weft::NumericType type, Function) {
           : void()),
      ...);
     return found;
+}
+
+/// A function of blocks of reals, such as those of real_functions.h.
+template <int nanoseconds, std::size_t inputs, auto function>
+void onBlocks(const weft::Node& node, const NumericFunctionNode::Inputs& in,
+              weft::Numeric& result) {
+    function_node::applyToBlocks<nanoseconds, function>(node, in, result,
+                                                        std::make_index_sequence<inputs>());
 }
 
 } // namespace tidemark::sluice::graph

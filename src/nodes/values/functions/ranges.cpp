@@ -5,6 +5,7 @@
 
 #include "graph/define_node.h"
 #include "nodes/values/functions/function_node.h"
+#include "nodes/values/functions/real_functions.h"
 
 namespace tidemark::sluice::graph {
 
@@ -65,8 +66,7 @@ public:
 
 protected:
     Routine routineFor(NumericType type) const override {
-        return componentwise<20, 2, float>(
-            type, [](float base, float exponent) { return std::pow(base, exponent); });
+        return type == NumericType::real ? onBlocks<2, 2, real_functions::pow> : nullptr;
     }
 };
 

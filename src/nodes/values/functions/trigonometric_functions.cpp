@@ -5,6 +5,7 @@
 #include "core/enum_value.h"
 #include "graph/define_node.h"
 #include "nodes/values/element_map.h"
+#include "nodes/values/functions/real_functions.h"
 
 namespace tidemark::sluice::graph {
 
@@ -23,10 +24,21 @@ void apply(const weft::Node& node, const Numeric& in, Numeric& result) {
         node, 15, result, [](float x) { return function(x); }, elementsOf<float>(in));
 }
 
+template <auto function>
+void applyToBlocks(const weft::Node& node, const Numeric& in, Numeric& result) {
+    mapBlocks(node, 1, result, function, elementsOf<float>(in));
+}
+
 // By the key of the choice.
-constexpr Routine routines[] = {apply<std::cos>,  apply<std::sin>,  apply<std::tan>,
-                                apply<std::acos>, apply<std::asin>, apply<std::atan>,
-                                apply<std::cosh>, apply<std::sinh>, apply<std::tanh>};
+constexpr Routine routines[] = {applyToBlocks<real_functions::cos>,
+                                applyToBlocks<real_functions::sin>,
+                                apply<std::tan>,
+                                apply<std::acos>,
+                                apply<std::asin>,
+                                apply<std::atan>,
+                                apply<std::cosh>,
+                                apply<std::sinh>,
+                                apply<std::tanh>};
 
 } // namespace
 

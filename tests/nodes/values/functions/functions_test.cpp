@@ -315,7 +315,7 @@ TEST(TrigonometricFunctions, EvaluatesTheChosenOne) {
         Enum& choice = n.as<EnumAttribute>("n.function").ownEnum();
         EXPECT_EQ(choice.label(key), label);
         choice.setKey(key++);
-        EXPECT_EQ(n.value<float>({{"in", 0.5f}}), function(0.5f)) << label;
+        EXPECT_FLOAT_EQ(n.value<float>({{"in", 0.5f}}), function(0.5f)) << label;
     }
 }
 
