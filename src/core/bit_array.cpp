@@ -18,6 +18,39 @@ uint32_t wordsFor(uint32_t bits) {
                                  BitArrayValue::bitsPerWord);
 }
 
+[[gnu::always_inline]] inline uint32_t sumOfBits(const uint32_t* words, uint32_t count) {
+    uint32_t total = 0;
+    uint32_t i = 0;
+    for (; i + 2 <= count; i += 2) {
+        total += static_cast<uint32_t>(std::popcount(words[i] | uint64_t(words[i + 1]) << 32));
+    }
+    if (i < count) total += static_cast<uint32_t>(std::popcount(words[i]));
+    return total;
+}
+
+#if defined(__x86_64__)
+[[gnu::target("popcnt")]] uint32_t sumOfBitsByInstruction(const uint32_t* words, uint32_t count) {
+    return sumOfBits(words, count);
+}
+#endif
+
+uint32_t countWords(const uint32_t* words, uint32_t count) {
+#if defined(__x86_64__)
+    static const bool hasInstruction = __builtin_cpu_supports("popcnt");
+    if (hasInstruction) return sumOfBitsByInstruction(words, count);
+#endif
+    return sumOfBits(words, count);
+}
+
+constexpr uint32_t wordsPerBlock = 16;
+
+// True when a block of words holds nothing but `blank`.
+bool isBlank(const uint32_t* words, uint32_t blank) {
+    uint32_t different = 0;
+    for (uint32_t k = 0; k < wordsPerBlock; ++k) different |= words[k] ^ blank;
+    return different == 0;
+}
+
 } // namespace
 
 const ValueKind BitArrayValue::kind{"BitArrayValue"};
@@ -71,23 +104,36 @@ uint32_t BitArrayValue::elementMask(uint32_t index) const {
 uint32_t BitArrayValue::count() const {
     if (bitCount_ == 0) return 0;
     const uint32_t lastWord = wordCount() - 1;
-    uint32_t total = 0;
-    for (uint32_t i = 0; i < lastWord; ++i) total += std::popcount(words_[i]);
-    return total + std::popcount(words_[lastWord] & elementMask(lastWord));
+    const uint32_t rest = words_[lastWord] & elementMask(lastWord);
+    return countWords(words_.data(), lastWord) + static_cast<uint32_t>(std::popcount(rest));
 }
 
 int64_t BitArrayValue::first(uint32_t flip) const {
-    for (uint32_t i = 0; i < wordCount(); ++i) {
-        const uint32_t word = (words_[i] ^ flip) & elementMask(i);
+    if (bitCount_ == 0) return -1;
+    const uint32_t lastWord = wordCount() - 1;
+    uint32_t i = 0;
+    while (i + wordsPerBlock <= lastWord && isBlank(words_.data() + i, flip)) i += wordsPerBlock;
+    for (; i <= lastWord; ++i) {
+        const uint32_t used = i < lastWord ? allOnes : elementMask(lastWord);
+        const uint32_t word = (words_[i] ^ flip) & used;
         if (word != 0) return int64_t(i) * bitsPerWord + std::countr_zero(word);
     }
     return -1;
 }
 
 int64_t BitArrayValue::last(uint32_t flip) const {
-    for (uint32_t i = wordCount(); i > 0; --i) {
-        const uint32_t word = (words_[i - 1] ^ flip) & elementMask(i - 1);
-        if (word != 0) return int64_t(i) * bitsPerWord - 1 - std::countl_zero(word);
+    if (bitCount_ == 0) return -1;
+    const auto positionIn = [](uint32_t index, uint32_t word) {
+        return int64_t(index) * bitsPerWord + (bitsPerWord - 1) - std::countl_zero(word);
+    };
+    uint32_t i = wordCount() - 1;
+    const uint32_t rest = (words_[i] ^ flip) & elementMask(i);
+    if (rest != 0) return positionIn(i, rest);
+    while (i >= wordsPerBlock && isBlank(words_.data() + i - wordsPerBlock, flip)) {
+        i -= wordsPerBlock;
+    }
+    while (i-- > 0) {
+        if (words_[i] != flip) return positionIn(i, words_[i] ^ flip);
     }
     return -1;
 }

@@ -24,6 +24,9 @@ public:
     /// Advances by one step and answers the new state.
     constexpr uint32_t next() { return state_ = state_ * factor + increment; }
 
+    /// The state before the next step.
+    constexpr uint32_t state() const { return state_; }
+
 private:
     uint32_t state_;
 };

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+// Bit nodes on what no graph should hold: values of other classes, missing targets, sizes beyond
+// the limits, and interrupts.
+#include <gtest/gtest.h>
+
+#include "core/limits.h"
+#include "nodes/values/bits/bit_node.h"
+
+namespace {
+
+using namespace weft;
+using sluice_tests::BitNode;
+using tidemark::TM_String;
+namespace limits = tidemark::limits;
+
+const std::vector<TM_String> types = {
+    "ArrayBitConstant",
+    "ArrayBitBuildByIndex",
+    "ArrayBitFilterByMask",
+    "GetArrayBitElement",
+    "SetArrayBitElement",
+    "ArrayBitRandom",
+    "ArrayBitResize",
+    "ArrayBitReverse",
+    "ArrayBitRemoveIndex",
+    "ArrayBitSetAll",
+    "ArrayBitInfo",
+    "ArrayBitAllTrue",
+    "ArrayBitAllFalse",
+    "ArrayBitAnyTrue",
+    "ArrayBitAnyFalse",
+    "ArrayBitCountTrue",
+    "ArrayBitCountFalse",
+    "ArrayBitFirstTrue",
+    "ArrayBitFirstFalse",
+    "ArrayBitLastTrue",
+    "ArrayBitLastFalse",
+    "IntegerBitValue",
+    "IntegerSetBitValue",
+    "BitOperation",
+    "BitAnd",
+    "BitOr",
+    "BitNegate",
+    "BitXor",
+    "BitNor",
+    "BitXnor",
+    "BitNand",
+    "BitImplication",
+    "BitEqual",
+    "ArrayBitToString",
+    "ArrayBitFromString",
+    "ArrayBitToInteger",
+    "ArrayBitToInteger64",
+    "IntegerToArrayBit",
+    "ArrayIndexBuildFromMask",
+};
+
+void updateAll(Node& node) {
+    for (Attribute* out : node.refOutputAttributes()) node.doUpdate(out);
+}
+
+class OneElementLimit {
+public:
+    explicit OneElementLimit(uint64_t elements) { limits::set({.maxElements = elements}); }
+    ~OneElementLimit() { limits::set({}); }
+};
+
+TEST(BitFaults, ValuesOfAnotherClassReadAsDefaults) {
+    for (const TM_String& type : types) {
+        BitNode n(type);
+        Node& node = n.node("n");
+        for (Attribute* in : node.refInputAttributes()) {
+            const bool holdsBits = in->value()->isKind(BitArrayValue::kind);
+            Retained<Value> other(holdsBits ? static_cast<Value*>(new StringValue(&n.manager()))
+                                            : new BitArrayValue(&n.manager()));
+            in->setValue(other.get());
+        }
+        EXPECT_NO_THROW(updateAll(node)) << type;
+    }
+}
+
+TEST(BitFaults, TargetsOfAnotherClassStayAsTheyAre) {
+    for (const TM_String& type : types) {
+        BitNode n(type);
+        Node& node = n.node("n");
+        Retained<Value> other(new Enum(&n.manager()));
+        for (Attribute* out : node.refOutputAttributes()) {
+            if (!out->isPurePassThrough()) out->setValue(other.get());
+        }
+        if (type.find("Integer") == 0) n.type("n.integer", "Integer");
+        EXPECT_NO_THROW(updateAll(node)) << type;
+        EXPECT_EQ(1u, other->size()) << type;
+    }
+}
+
+TEST(BitFaults, EmptyInputsAreHarmless) {
+    for (const TM_String& type : types) {
+        BitNode n(type);
+        Node& node = n.node("n");
+        if (type.find("Integer") == 0) n.type("n.integer", "Integer64");
+        for (Attribute* in : node.refInputAttributes()) {
+            if (auto* bits = valueAs<BitArrayValue>(in->value())) bits->purge();
+            if (auto* number = valueAs<Numeric>(in->value())) number->resize(0);
+            if (auto* strings = valueAs<StringValue>(in->value())) strings->setSize(0);
+            if (auto* choice = valueAs<Enum>(in->value())) choice->refKeys().clear();
+        }
+        EXPECT_NO_THROW(updateAll(node)) << type;
+    }
+}
+
+TEST(BitFaults, SizesBeyondTheLimitAreRefused) {
+    for (const TM_String type : {"ArrayBitConstant", "ArrayBitResize", "ArrayBitRandom"}) {
+        BitNode n(type);
+        n.integer("size", 2147483647);
+        const OneElementLimit limit(1'000'000);
+        EXPECT_THROW(updateAll(n.node("n")), std::bad_alloc) << type;
+        n.integer("size", 5);
+        EXPECT_NO_THROW(updateAll(n.node("n"))) << type;
+    }
+    BitNode mask("ArrayBitBuildByIndex");
+    mask.integer("index array", 2147483647);
+    const OneElementLimit limit(1'000'000);
+    EXPECT_THROW(updateAll(mask.node("n")), std::bad_alloc);
+}
+
+} // namespace
