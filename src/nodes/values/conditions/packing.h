@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+// Keeping the elements of an array whose bit is set, one behind the other.
+#pragma once
+
+#include <bit>
+
+#include "core/numeric.h"
+#include "nodes/values/conditions/element_tests.h"
+
+namespace tidemark::sluice::graph {
+
+/// Below this many bits in a word, going from bit to bit is faster than looking at every element.
+constexpr int fewBits = 5;
+
+/// Writes the elements of `block` whose bit of `word` is set to `out` and answers the end of what
+/// was written. Up to `count` elements there may be overwritten. `out` may be `block` or lie before
+/// it in the same array.
+template <typename T>
+T* packWord(const T* block, uint32_t count, uint32_t word, T* out) {
+    if (word == 0) return out;
+    if (sizeof(T) > sizeof(uint64_t) || std::popcount(word) < fewBits) {
+        for (; word != 0; word &= word - 1) *out++ = block[std::countr_zero(word)];
+        return out;
+    }
+    for (uint32_t i = 0; i < count; ++i) {
+        *out = block[i];
+        out += word >> i & 1;
+    }
+    return out;
+}
+
+/// The same for `count` elements and their words, each of which is xor-ed with `flip` before.
+template <typename T>
+T* pack(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T* out) {
+    uint32_t first = 0;
+    for (; first + testsPerWord <= count; first += testsPerWord) {
+        out = packWord(block + first, testsPerWord, *words++ ^ flip, out);
+    }
+    if (first == count) return out;
+    const uint32_t rest = count - first;
+    return packWord(block + first, rest, (*words ^ flip) & ((uint32_t(1) << rest) - 1), out);
+}
+
+/// The elements of type `T` of a number while it is filled with what is kept. At the end, by an
+/// exception too, the number has just these.
+template <typename T>
+class KeptElements {
+public:
+    /// Empties `target` and makes room for `most` elements.
+    KeptElements(weft::Numeric& target, uint32_t most)
+        : target_(target), array_(target.refValues<T>()) {
+        array_.clear();
+        if constexpr (isRaw) {
+            array_.resizeForOverwrite(most);
+            end_ = array_.data();
+        } else {
+            array_.reserve(most);
+        }
+    }
+    ~KeptElements() {
+        if constexpr (isRaw) array_.resize(static_cast<uint32_t>(end_ - array_.data()));
+        target_.updateSize();
+    }
+    KeptElements(const KeptElements&) = delete;
+    KeptElements& operator=(const KeptElements&) = delete;
+
+    /// `block` is no part of the target.
+    void add(const T* block, uint32_t count, const uint32_t* words) {
+        if constexpr (isRaw) {
+            end_ = pack(block, count, words, 0, end_);
+        } else {
+            for (uint32_t first = 0; first < count; first += testsPerWord) {
+                for (uint32_t word = *words++; word != 0; word &= word - 1) {
+                    array_.append(block[first + static_cast<uint32_t>(std::countr_zero(word))]);
+                }
+            }
+        }
+    }
+
+private:
+    static constexpr bool isRaw = std::is_trivially_copyable_v<T>;
+
+    weft::Numeric& target_;
+    Array<T>& array_;
+    T* end_ = nullptr;
+};
+
+} // namespace tidemark::sluice::graph
