@@ -11,6 +11,7 @@
 #include "core/numeric.h"
 #include "core/string_value.h"
 #include "graph/pin.h"
+#include "nodes/values/conditions/condition_value.h"
 
 namespace tidemark::tool {
 
@@ -101,6 +102,23 @@ Json hostObjectsJson(const weft::HostNodeValue& value) {
     return list;
 }
 
+/// "value" is the right side as a list of numbers, null when there is none.
+Json conditionJson(const sluice::graph::ConditionValue& condition) {
+    Json value = nullptr;
+    if (condition.isConstant()) {
+        weft::Numeric constant(condition.networkManager());
+        condition.copyConstantTo(constant);
+        value = numericJson(constant);
+    } else if (const weft::Numeric* number = condition.getNumericValue()) {
+        value = numericJson(*number);
+    }
+    Json json;
+    json["condition"] = condition.comparisonName();
+    json["constant"] = condition.isConstant();
+    json["value"] = std::move(value);
+    return json;
+}
+
 } // namespace
 
 Json floatJson(float number) {
@@ -124,6 +142,9 @@ Json valueJson(const Pin& pin) {
     if (const auto* numeric = weft::valueAs<weft::Numeric>(value)) return numericJson(*numeric);
     if (const auto* bits = weft::valueAs<weft::BitArrayValue>(value)) return bitsJson(*bits);
     if (const auto* strings = weft::valueAs<weft::StringValue>(value)) return stringsJson(*strings);
+    if (const auto* condition = weft::valueAs<sluice::graph::ConditionValue>(value)) {
+        return Json::array({conditionJson(*condition)});
+    }
     if (const auto* hosts = dynamic_cast<weft::HostNodeValue*>(value)) {
         return hostObjectsJson(*hosts);
     }

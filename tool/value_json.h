@@ -6,6 +6,7 @@
 //     Color4                     [r, g, b, a]       list pins                    the label
 //     Quaternion                 [x, y, z, w]       host objects                 the name or null
 //     Matrix4                    16 numbers
+//     Condition                  {"condition": "less than", "constant": true, "value": [2.5]}
 #pragma once
 
 #include <string>

@@ -13,11 +13,12 @@ namespace {
 
 struct Equal {
     static bool holds(int32_t a, int32_t b) { return a == b; }
-    // One comparison of the ordered pair instead of a branch on the order.
+    // Both orders are looked at, without a branch.
     static bool holds(float a, float b) {
-        const float smaller = a < b ? a : b;
-        const float larger = a < b ? b : a;
-        return smaller + equalityTolerance >= larger;
+        const bool isLess = a < b;
+        const bool reachesUp = a + equalityTolerance >= b;
+        const bool reachesDown = b + equalityTolerance >= a;
+        return (isLess & reachesUp) | (!isLess & reachesDown);
     }
 };
 struct Less {
@@ -48,8 +49,10 @@ struct Zero {
     template <typename T>
     static bool holds(T element, float tolerance) {
         const auto x = static_cast<float>(element);
-        const float raised = x < 0.0f ? x + tolerance : tolerance;
-        return raised >= (x < 0.0f ? 0.0f : x);
+        const bool isNegative = x < 0.0f;
+        const bool reachesUp = x + tolerance >= 0.0f;
+        const bool reachesDown = tolerance >= x;
+        return (isNegative & reachesUp) | (!isNegative & reachesDown);
     }
 };
 
@@ -98,22 +101,25 @@ constexpr std::array<uint32_t, testsPerWord> bitOfLane = [] {
     return bits;
 }();
 
+// All ones or all zeros, not a branch, which would keep the loop from becoming vector instructions.
+template <typename Test, typename T, typename R>
+[[gnu::always_inline]] inline uint32_t lane(const T& left, const R& right, std::size_t i) {
+    return (0u - static_cast<uint32_t>(Test::holds(left, right))) & bitOfLane[i];
+}
+
 template <typename Test, typename T, typename R>
 [[gnu::always_inline]] inline void testBlock(const T* left, const R* right, uint32_t count,
                                              uint32_t* words) {
-    uint32_t first = 0;
-    for (; first + testsPerWord <= count; first += testsPerWord) {
+    for (; count >= testsPerWord; count -= testsPerWord) {
         uint32_t word = 0;
-        for (uint32_t i = 0; i < testsPerWord; ++i) {
-            word |= Test::holds(left[first + i], right[first + i]) ? bitOfLane[i] : 0;
-        }
+        for (std::size_t i = 0; i < testsPerWord; ++i) word |= lane<Test>(left[i], right[i], i);
         *words++ = word;
+        left += testsPerWord;
+        right += testsPerWord;
     }
-    if (first == count) return;
+    if (count == 0) return;
     uint32_t word = 0;
-    for (uint32_t i = 0; first + i < count; ++i) {
-        word |= Test::holds(left[first + i], right[first + i]) ? bitOfLane[i] : 0;
-    }
+    for (std::size_t i = 0; i < count; ++i) word |= lane<Test>(left[i], right[i], i);
     *words = word;
 }
 
