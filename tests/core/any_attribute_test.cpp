@@ -16,8 +16,7 @@ using namespace weft;
 
 class Relay : public Node {
 public:
-    Relay(NetworkManager* manager, const tidemark::TM_String& name)
-        : Node(manager, name, nullptr) {
+    Relay(NetworkManager* manager, const tidemark::TM_String& name) : Node(manager, name, nullptr) {
         in = addInput<AnyAttribute>("in");
         out = addOutput<AnyAttribute>("out");
         number = addOutput<NumericAttribute>("number");

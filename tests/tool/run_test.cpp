@@ -146,6 +146,32 @@ TEST_F(RunTest, SetFillsStringsBitsAndVectors) {
               Json::array({"/tmp/x.png"}));
 }
 
+TEST_F(RunTest, ConditionsShowTheirComparisonAndRightSide) {
+    file("conditions.xml", GraphText()
+                               .node("A", "Real", {{"in", "real", "2.5"}})
+                               .node("Below", "ConditionLessThan")
+                               .node("Above", "ConditionGreaterThanConstant")
+                               .node("F", "ConditionFilterBy")
+                               .node("E", "Evaluator", {{"evaluate", "", ""}})
+                               .link("A.real", "Below.value")
+                               .link("A.real", "Above.value")
+                               .link("A.real", "F.value")
+                               .link("Above.condition", "F.condition")
+                               .link("F.mask", "E.evaluate")
+                               .text());
+    const Words pull{"--pull", "root.Below.condition"};
+    EXPECT_EQ(valueOf("root.Below.condition", pull, "conditions.xml"),
+              Json::parse(R"([{"condition": "less than", "constant": false, "value": [2.5]}])"));
+    EXPECT_EQ(valueOf("root.F.condition", {}, "conditions.xml"),
+              Json::parse(R"([{"condition": "greater than", "constant": true, "value": [2.5]}])"));
+    EXPECT_EQ(valueOf("root.Below.condition", {}, "conditions.xml"),
+              Json::parse(R"([{"condition": "equal to", "constant": false, "value": null}])"));
+    const Ended ended = sluice({"run", "conditions.xml", "--get", "root.F.condition"});
+    EXPECT_EQ(ended.out,
+              "root.F.condition = "
+              "[{\"condition\": \"greater than\", \"constant\": true, \"value\": [2.5]}]\n");
+}
+
 TEST_F(RunTest, SetFileComesBeforeSet) {
     file("pins.json", R"({"root.A.in": [1, 2], "root.B.in:Integer": 10})");
     EXPECT_EQ(valueOf("root.Sum.result", {"--set", "root.B.in=20", "--set-file", "pins.json"}),

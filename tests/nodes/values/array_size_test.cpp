@@ -45,7 +45,7 @@ TEST(ArraySize, CountsWhateverIsConnected) {
     EXPECT_EQ("[1] 2", net.text("n.size"));
     net.pin("n.array").disconnectSource();
     ASSERT_TRUE(net.link("string.array", "n.array"));
-    net.strings("string.in", {"a,b,c,d"});
+    net.strings("string.in", {"abcd"});
     EXPECT_EQ("[1] 4", net.text("n.size"));
     net.pin("n.array").disconnectSource();
     EXPECT_EQ("[1] 0", net.text("n.size"));
@@ -89,8 +89,7 @@ public:
 };
 class Anchors : public weft::Node {
 public:
-    Anchors(weft::NetworkManager* manager, weft::Node* parent)
-        : Node(manager, "anchors", parent) {
+    Anchors(weft::NetworkManager* manager, weft::Node* parent) : Node(manager, "anchors", parent) {
         out = addOutput<AnchorAttribute>("out");
     }
     AnchorAttribute* out;

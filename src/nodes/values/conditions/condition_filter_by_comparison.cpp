@@ -52,8 +52,7 @@ protected:
                  "size is smaller it's last element is used for the comparison of the remaining "
                  "elements.\nThe 'result' is an array without the elements that evaluate the "
                  "condition as false.");
-        value0_ =
-            addInput<NumericAttribute>("value0", "The left side of the comparison operation");
+        value0_ = addInput<NumericAttribute>("value0", "The left side of the comparison operation");
         value1_ =
             addInput<NumericAttribute>("value1", "The right side of the comparison operation");
         result_ = addOutput<NumericAttribute>("result", "The result after applying the condition");
@@ -79,8 +78,7 @@ private:
         FilterTargets targets;
         if (isNeeded(*result_, asked)) targets.result = result_->numericTarget();
         if (isNeeded(*mask_, asked)) targets.mask = mask_->bitsTarget();
-        targets.isResultRead =
-            targets.result == &values || targets.result == &value1_->numeric();
+        targets.isResultRead = targets.result == &values || targets.result == &value1_->numeric();
         filterElements(values, right, test, targets, *networkManager());
         if (targets.result) finish(result_);
         if (targets.mask) finish(mask_);

@@ -40,9 +40,9 @@ void ConditionValue::purge() {
 }
 
 TM_String ConditionValue::comparisonName() const {
-    static constexpr std::array<const char*, 6> names{"equal to",      "not equal to",
-                                                      "less than",     "less or equal than",
-                                                      "greater than",  "greater or equal than"};
+    static constexpr std::array<const char*, 6> names{"equal to",     "not equal to",
+                                                      "less than",    "less or equal than",
+                                                      "greater than", "greater or equal than"};
     const auto code = static_cast<uint32_t>(conditionType_);
     return code < 2 * names.size() ? names[code % names.size()] : "";
 }

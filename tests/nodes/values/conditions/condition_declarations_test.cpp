@@ -41,12 +41,11 @@ TEST(ConditionNodes, MakersTakeANumber) {
 TEST(ConditionNodes, MakersOfConstantsTakeASingleNumber) {
     for (const TM_String name : operators) {
         const TM_String type = "Condition" + name + "Constant";
-        EXPECT_EQ(type +
-                      "\n"
-                      "in value! NumericAttribute \"Integer\", \"Real\", \"Vector3\", "
-                      "\"Matrix4\", \"Color4\" = Integer:0 Real:0 Vector3:0 "
-                      "Matrix4:(1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1) Color4:0\n"
-                      "out condition ConditionAttribute \"Condition\"\n",
+        EXPECT_EQ(type + "\n"
+                         "in value! NumericAttribute \"Integer\", \"Real\", \"Vector3\", "
+                         "\"Matrix4\", \"Color4\" = Integer:0 Real:0 Vector3:0 "
+                         "Matrix4:(1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1) Color4:0\n"
+                         "out condition ConditionAttribute \"Condition\"\n",
                   declared(type));
     }
 }

@@ -21,8 +21,8 @@ TEST(ConditionFilterByComparison, EachComparesTheFirstWithTheSecond) {
 }
 
 TEST(ConditionFilterByComparison, VectorsCompareInAllComponents) {
-    EXPECT_EQ("[4] (1,1,1) 10", filteredBy("ConditionFilterByLessThan", "[4] (1,1,1),(1,2,1)",
-                                           "[4] (2,2,2)"));
+    EXPECT_EQ("[4] (1,1,1) 10",
+              filteredBy("ConditionFilterByLessThan", "[4] (1,1,1),(1,2,1)", "[4] (2,2,2)"));
     EXPECT_EQ("[4] (1,1,1),(1,2,1) 11",
               filteredBy("ConditionFilterByLessOrEqual", "[4] (1,1,1),(1,2,1)", "[4] (2,2,2)"));
     EXPECT_EQ("[4]  0", filteredBy("ConditionFilterByGreaterThan", "[4] (1,5,0)", "[4] (2,4,0)"));

@@ -190,8 +190,8 @@ TEST(ConditionFilterBy, VectorsAndColorsCompareWithEachOther) {
     EXPECT_EQ("[5] (1,2,3,1) 10", filtered("ConditionEqualTo", "[4] (1,2,3)", colors));
     EXPECT_EQ("[4] (1,2,3) 10",
               filtered("ConditionEqualToConstant", "[5] (1,2,3,9)", "[4] (1,2,3),(1,2,4)"));
-    EXPECT_EQ("[4] (1,2,3),(4,5,6) 110",
-              filtered("ConditionEqualTo", "[5] (1,2,3,9),(4,5,6,9)", "[4] (1,2,3),(4,5,6),(1,2,3)"));
+    EXPECT_EQ("[4] (1,2,3),(4,5,6) 110", filtered("ConditionEqualTo", "[5] (1,2,3,9),(4,5,6,9)",
+                                                  "[4] (1,2,3),(4,5,6),(1,2,3)"));
 }
 
 TEST(ConditionFilterBy, OtherTypesDoNotCompare) {
@@ -396,13 +396,13 @@ TEST(ConditionFilterByInPlace, StructuredElementsToo) {
 // --- against the plain loop ----------------------------------------------------------------------
 
 bool holds(int code, int32_t a, int32_t b) {
-    const bool outcomes[] = {a == b, a != b, a < b, a <= b, a > b, a >= b};
+    const bool outcomes[] = {a == b, a != b, a<b, a <= b, a> b, a >= b};
     return outcomes[code];
 }
 bool holds(int code, float a, float b) {
     const float tolerance = 1.1920929e-5f;
     const bool equal = a < b ? a + tolerance >= b : b + tolerance >= a;
-    const bool outcomes[] = {equal, !equal, a < b, a <= b, a > b, a >= b};
+    const bool outcomes[] = {equal, !equal, a<b, a <= b, a> b, a >= b};
     return outcomes[code];
 }
 template <typename T>
@@ -435,8 +435,7 @@ T randomElement(std::mt19937& random) {
 
 template <typename T>
 class Comparisons : public testing::Test {};
-using ElementTypes =
-    testing::Types<int32_t, float, Vector3<float>, Color4<float>, Matrix4<float>>;
+using ElementTypes = testing::Types<int32_t, float, Vector3<float>, Color4<float>, Matrix4<float>>;
 TYPED_TEST_SUITE(Comparisons, ElementTypes);
 
 template <typename T>

@@ -41,9 +41,8 @@ TEST(ConditionMakers, UnspecializedOneStoresItsCodeAlone) {
 }
 
 TEST(ConditionMakers, ConstantIsTheFirstElementOfEveryType) {
-    for (const TM_String text :
-         {"[1] 7", "[3] 2.5", "[4] (1,2,3)", "[5] (1,2,3,4)",
-          "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)"}) {
+    for (const TM_String text : {"[1] 7", "[3] 2.5", "[4] (1,2,3)", "[5] (1,2,3,4)",
+                                 "[7] (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16)"}) {
         ConditionNet net;
         net.add("ConditionEqualToConstant", "c");
         net.set("c.value", text);

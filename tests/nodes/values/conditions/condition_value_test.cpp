@@ -48,8 +48,8 @@ TM_String answers(const ConditionValue& condition) {
     text += condition.getRealValue(real) ? " yes " : " no ";
     text += text::shortest(real);
     text += condition.getVector3Value(vector) ? " yes " : " no ";
-    text += text::shortest(vector.x) + "," + text::shortest(vector.y) + "," +
-            text::shortest(vector.z);
+    text +=
+        text::shortest(vector.x) + "," + text::shortest(vector.y) + "," + text::shortest(vector.z);
     text += condition.getColor4Value(color) ? " yes " : " no ";
     text += text::shortest(color.r) + "," + text::shortest(color.g) + "," +
             text::shortest(color.b) + "," + text::shortest(color.a);
