@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the nodes over numeric arrays share: declaring their pins, choosing by type, long loops.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <type_traits>
+
+#include "core/node.h"
+#include "core/numeric.h"
+#include "nodes/values/arrays/num_components.h"
+#include "nodes/values/element_map.h"
+#include "nodes/values/value_tools.h"
+
+namespace tidemark::sluice::graph {
+
+/// True when `T` is one of `Others`: for choosing the types that a node has a routine for.
+template <typename T, typename... Others>
+constexpr bool isOneOf = (std::is_same_v<T, Others> || ...);
+
+/// Narrows a pin to `types` and lets it show `number` (see `setDefault`).
+inline void declareNumber(weft::NumericAttribute& pin, const weft::SpecializationList& types,
+                          double number) {
+    pin.setAllowedSpecializations(types);
+    setDefault(pin, number);
+}
+
+/// Each of these pins takes exactly one element.
+inline void takeOneElement(std::initializer_list<weft::Attribute*> pins) {
+    for (weft::Attribute* pin : pins) pin->setElementCountRule(1);
+}
+
+/// `work(first, end)` over 0 to `count` in stretches, in order, answering an interrupt of the run
+/// after each. Throws what the interrupt throws.
+template <typename Work>
+void forEachStretch(const weft::Node& node, uint32_t count, Work work) {
+    constexpr uint32_t longest = uint32_t(1) << 18;
+    for (uint32_t first = 0; first < count;) {
+        const uint32_t end = first + std::min(longest, count - first);
+        work(first, end);
+        first = end;
+        node.networkManager()->pollInterrupt();
+    }
+}
+
+/// Makes the array of `T` in `target` `count` elements long and sets each, in index order, to what
+/// `elementAt(index)` answers; then the size of `target`. Throws `std::bad_alloc` for what memory
+/// or the limits do not hold.
+template <typename T, typename ElementAt>
+void generateElements(const weft::Node& node, weft::Numeric& target, uint32_t count,
+                      ElementAt elementAt) {
+    Array<T>& array = target.refValues<T>();
+    element_map::sizeForWriting(array, count);
+    T* const out = array.data();
+    forEachStretch(node, count, [&](uint32_t first, uint32_t end) {
+        for (uint32_t i = first; i < end; ++i) out[i] = elementAt(i);
+    });
+    target.setSize(count);
+}
+
+} // namespace tidemark::sluice::graph
