@@ -60,12 +60,12 @@ public:
         StringValue* target = string_->stringsTarget();
         if (!target) return;
         checkTextLength(static_cast<uint64_t>(size));
-        TM_String digits(static_cast<std::size_t>(size), '0');
+        target->setSize(1);
+        TM_String& digits = target->refValues()[0];
+        digits.resize(static_cast<std::size_t>(size));
         WorkMeter meter(*networkManager());
         writeDigits(bits.words().data(), static_cast<uint32_t>(first), static_cast<uint32_t>(size),
                     digits.data(), meter);
-        target->setSize(1);
-        target->refValues()[0] = std::move(digits);
         string_->valueChanged();
     }
 

@@ -46,14 +46,38 @@ constexpr Leaps makeLeaps() {
 constexpr Leaps leaps = makeLeaps();
 
 // A bit is set when its state exceeds 0x7fffffff: the highest bit of the state.
-uint32_t randomWord(uint32_t& state) {
-    uint32_t word = 0;
-    for (uint32_t k = 0; k < bitsPerWord; ++k) {
-        word |= (state * leaps.factors[k] + leaps.increments[k]) >> (bitsPerWord - 1) << k;
+[[gnu::always_inline]] inline uint32_t randomWordsInline(uint32_t state, uint32_t* words,
+                                                         uint32_t count) {
+    for (uint32_t i = 0; i < count; ++i) {
+        uint32_t word = 0;
+        for (uint32_t k = 0; k < bitsPerWord; ++k) {
+            word |= (state * leaps.factors[k] + leaps.increments[k]) >> (bitsPerWord - 1) << k;
+        }
+        words[i] = word;
+        state = state * leaps.factors.back() + leaps.increments.back();
     }
-    state = state * leaps.factors.back() + leaps.increments.back();
-    return word;
+    return state;
 }
+
+// Answers the state after the last bit.
+uint32_t randomWordsPlain(uint32_t state, uint32_t* words, uint32_t count) {
+    return randomWordsInline(state, words, count);
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] uint32_t randomWordsInWideLanes(uint32_t state, uint32_t* words,
+                                                        uint32_t count) {
+    return randomWordsInline(state, words, count);
+}
+uint32_t randomWords(uint32_t state, uint32_t* words, uint32_t count) {
+    return hasWideInstructions() ? randomWordsInWideLanes(state, words, count)
+                                 : randomWordsPlain(state, words, count);
+}
+#else
+uint32_t randomWords(uint32_t state, uint32_t* words, uint32_t count) {
+    return randomWordsPlain(state, words, count);
+}
+#endif
 
 } // namespace
 
@@ -193,7 +217,7 @@ public:
         uint32_t state = RandomSteps(seed_->numeric().value<int32_t>()).state();
         WorkMeter meter(*networkManager());
         inStretches(wordsFor(target->size()), meter, [&](uint32_t first, uint32_t count) {
-            for (uint32_t i = first; i < first + count; ++i) words[i] = randomWord(state);
+            state = randomWords(state, words + first, count);
         });
         array_->valueChanged();
     }

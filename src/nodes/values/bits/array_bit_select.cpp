@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Choosing and ordering elements of bit arrays: by mask, without some positions, backwards; and the
 // positions that a mask chooses.
-#include <bit>
-
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
 
@@ -42,7 +40,7 @@ public:
         if (target != &array && target != &mask) target->resize(size, false);
         WorkMeter meter(*networkManager());
         const uint32_t taken = compressBits(array.words().data(), mask.words().data(), common,
-                                            target->wordData(), meter);
+                                            target->wordData(), target->words().size(), meter);
         // Set bits of the mask beyond the array find no element: the rest stays false.
         target->resize(taken, false);
         target->resize(size, false);
@@ -80,7 +78,7 @@ public:
         const Array<uint32_t> kept = keptPositions(array.size(), meter);
         if (target != &array) target->resize(array.size(), false);
         const uint32_t count = compressBits(array.words().data(), kept.data(), array.size(),
-                                            target->wordData(), meter);
+                                            target->wordData(), target->words().size(), meter);
         target->resize(count, false);
         outArray_->valueChanged();
     }
@@ -163,25 +161,13 @@ public:
         const BitArrayValue& mask = mask_->bits();
         Array<int32_t>& indices = target->refValues<int32_t>();
         indices.resizeForOverwrite(mask.count());
-        writePositions(mask, indices.data());
+        WorkMeter meter(*networkManager());
+        writePositions(mask.words().data(), mask.size(), indices.data(), indices.size(), meter);
         target->updateSize();
         index_->valueChanged();
     }
 
 private:
-    void writePositions(const BitArrayValue& mask, int32_t* next) {
-        const uint32_t* const words = mask.words().data();
-        const uint32_t size = mask.size();
-        WorkMeter meter(*networkManager());
-        for (uint32_t first = 0; first < size; first += bitsPerWord) {
-            uint32_t word = words[first / bitsPerWord] & lowBits(size - first);
-            meter.add(word == 0 ? 0 : bitsPerWord);
-            for (; word != 0; word &= word - 1) {
-                *next++ = static_cast<int32_t>(first + std::countr_zero(word));
-            }
-        }
-    }
-
     BitArrayAttribute* mask_;
     NumericAttribute* index_;
     PassThroughAttribute* through_;

@@ -67,6 +67,15 @@ void inStretches(uint32_t words, WorkMeter& meter, Work work) {
     }
 }
 
+#if defined(__x86_64__)
+/// True when the processor has vector instructions for eight words at once (AVX2).
+inline bool hasWideInstructions() {
+    static const bool answer =
+        __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0;
+    return answer;
+}
+#endif
+
 // Each word is read before it is written, and no other depends on it.
 #if defined(__GNUC__) && !defined(__clang__)
 #define SLUICE_INDEPENDENT_WORDS _Pragma("GCC ivdep")
@@ -91,14 +100,16 @@ template <typename Op>
 #undef SLUICE_INDEPENDENT_WORDS
 
 /// The word with its bits in the opposite order.
-constexpr uint64_t reversed(uint64_t word) {
-    word = (word >> 1 & 0x5555555555555555u) | (word & 0x5555555555555555u) << 1;
-    word = (word >> 2 & 0x3333333333333333u) | (word & 0x3333333333333333u) << 2;
-    word = (word >> 4 & 0x0f0f0f0f0f0f0f0fu) | (word & 0x0f0f0f0f0f0f0f0fu) << 4;
-    return __builtin_bswap64(word);
-}
 constexpr uint32_t reversed(uint32_t word) {
-    return static_cast<uint32_t>(reversed(uint64_t(word)) >> 32);
+    word = (word >> 1 & 0x55555555u) | (word & 0x55555555u) << 1;
+    word = (word >> 2 & 0x33333333u) | (word & 0x33333333u) << 2;
+    word = (word >> 4 & 0x0f0f0f0fu) | (word & 0x0f0f0f0fu) << 4;
+    return __builtin_bswap32(word);
+}
+constexpr uint64_t reversed(uint64_t word) {
+    const auto low = static_cast<uint32_t>(word);
+    const auto high = static_cast<uint32_t>(word >> bitsPerWord);
+    return uint64_t(reversed(low)) << bitsPerWord | reversed(high);
 }
 
 /// Makes `target` the first `count` elements of `source`, or all of them and then `fill`.
@@ -109,13 +120,17 @@ void resizeCopy(const weft::BitArrayValue& source, uint32_t count, bool fill,
 void invertBits(const weft::BitArrayValue& source, weft::BitArrayValue& target, WorkMeter& meter);
 
 /// Writes the bits of `words` where `mask` is set, in order and without gaps, to `target`, and
-/// answers their number. Both inputs have `bits` bits. `target` may be one of the two inputs;
-/// otherwise it has room for all that are set.
+/// answers their number. Both inputs have `bits` bits. `target`, of `room` words, has room for all
+/// of them; it may be one of the two inputs.
 uint32_t compressBits(const uint32_t* words, const uint32_t* mask, uint32_t bits, uint32_t* target,
-                      WorkMeter& meter);
+                      uint32_t room, WorkMeter& meter);
 
 /// Writes `bits` bits of `words` to `target`, the last one first. The two do not overlap.
 void reverseBits(const uint32_t* words, uint32_t bits, uint32_t* target, WorkMeter& meter);
+
+/// Writes the positions of the `count` set bits of `words`, which has `bits` bits.
+void writePositions(const uint32_t* words, uint32_t bits, int32_t* positions, uint32_t count,
+                    WorkMeter& meter);
 
 /// Writes '1' or '0' for `count` bits of `words` from `first` on.
 void writeDigits(const uint32_t* words, uint32_t first, uint32_t count, char* digits,

@@ -3,6 +3,7 @@
 // the limits, and interrupts.
 #include <gtest/gtest.h>
 
+#include "core/exceptions.h"
 #include "core/limits.h"
 #include "nodes/values/bits/bit_node.h"
 
@@ -121,6 +122,50 @@ TEST(BitFaults, SizesBeyondTheLimitAreRefused) {
     mask.integer("index array", 2147483647);
     const OneElementLimit limit(1'000'000);
     EXPECT_THROW(updateAll(mask.node("n")), std::bad_alloc);
+}
+
+// Long enough that each of them asks for interrupts, whatever it counts.
+TEST(BitFaults, LongWorkAnswersInterrupts) {
+    constexpr uint32_t bitCount = 70'000'000;
+    const std::vector<std::pair<TM_String, TM_String>> longWork = {
+        {"BitAnd", "result"},
+        {"BitNegate", "result"},
+        {"ArrayBitInfo", "negated"},
+        {"ArrayBitFilterByMask", "out array"},
+        {"ArrayBitReverse", "out array"},
+        {"ArrayBitRemoveIndex", "out array"},
+        {"ArrayBitRandom", "array"},
+        {"ArrayIndexBuildFromMask", "index"},
+        {"ArrayBitToString", "string"},
+        {"ArrayBitFromString", "bit array"},
+        {"GetArrayBitElement", "out"},
+        {"SetArrayBitElement", "out array"},
+        {"ArrayBitBuildByIndex", "mask"},
+        {"IntegerBitValue", "bit"},
+        {"IntegerSetBitValue", "result"},
+    };
+    for (const auto& [type, out] : longWork) {
+        BitNode n(type);
+        Node& node = n.node("n");
+        if (type.find("Integer") == 0) n.type("n.integer", "Integer");
+        for (Attribute* in : node.refInputAttributes()) {
+            if (auto* bits = valueAs<BitArrayValue>(in->value())) bits->resize(bitCount, true);
+            if (auto* text = valueAs<StringValue>(in->value())) {
+                text->setValue(TM_String(bitCount, '1'));
+            }
+            // The size of the random array; elsewhere indices, integers and a first position.
+            const bool isSize = in->name() == "size" && type == "ArrayBitRandom";
+            auto* number = valueAs<Numeric>(in->value());
+            if (isSize) number->setValue(static_cast<int32_t>(bitCount));
+            if (number && !isSize && in->elementCountRule() != 1) number->resize(2'000'000);
+        }
+        n.manager().setEvaluating(true);
+        n.manager().requestInterrupt();
+        EXPECT_THROW(node.update(&n.pin("n." + out)), tidemark::TM_Exception) << type;
+        n.manager().clearInterrupt();
+        EXPECT_NO_THROW(node.update(&n.pin("n." + out))) << type;
+        n.manager().setEvaluating(false);
+    }
 }
 
 } // namespace
