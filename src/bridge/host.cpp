@@ -14,6 +14,8 @@ void Host::post(int, const Array<TM_String>&) {}
 void Host::message(const TM_String&) {}
 void Host::print(const TM_String&) {}
 void Host::stopSimulation() {}
+int Host::currentFrame() const { return 0; }
+float Host::currentTime() const { return 0.0f; }
 int Host::numberOfThreads() const { return platform::threadCount(0); }
 bool Host::allowsSleep() const { return true; }
 bool Host::prefersCurvedConnections() const { return false; }

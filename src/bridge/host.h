@@ -48,6 +48,9 @@ public:
     virtual void print(const TM_String& line);
     /// A node asks to stop the running simulation.
     virtual void stopSimulation();
+    /// Where the application's scene stands: the frame's number, and the same in seconds.
+    virtual int currentFrame() const;
+    virtual float currentTime() const;
     /// Threads that a node without a setting of its own uses; at least 1.
     virtual int numberOfThreads() const;
     /// False: sleeping nodes return at once.

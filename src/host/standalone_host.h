@@ -54,8 +54,12 @@ public:
     void clearStopRequest() { stopRequested_ = false; }
 
     /// The frame that the host stands at; 0 at first.
-    int currentFrame() const { return currentFrame_; }
+    int currentFrame() const override { return currentFrame_; }
     void setCurrentFrame(int frame) { currentFrame_ = frame; }
+    static constexpr float framesPerSecond = 30.0f;
+    float currentTime() const override {
+        return static_cast<float>(currentFrame_) / framesPerSecond;
+    }
 
     void post(int id, const Array<TM_String>& arguments) override;
     void message(const TM_String& line) override;

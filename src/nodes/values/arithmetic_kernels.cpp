@@ -131,8 +131,6 @@ template <typename Op, typename A, typename B>
     for (; i < count; ++i) result[i] = Op::apply(a[i], b[i]);
 }
 
-#undef SLUICE_INDEPENDENT_ELEMENTS
-
 #if defined(__x86_64__)
 template <typename Op, typename A, typename B>
 [[gnu::target("avx2")]] void wideLanes(const A* a, const B* b, A* result, std::size_t count) {
@@ -160,6 +158,49 @@ inline void lanes(const A* a, const B* b, A* result, std::size_t count) {
     lanesInBlocks<Op>(a, b, result, count);
 }
 
+// The same against one number, on the right and on the left.
+
+template <typename Op, typename A, typename B>
+struct WithRight {
+    B right;
+    A operator()(A a) const { return Op::apply(a, right); }
+};
+template <typename Op, typename A, typename B>
+struct WithLeft {
+    A left;
+    A operator()(B b) const { return Op::apply(left, b); }
+};
+
+template <typename With, typename In, typename Out>
+[[gnu::always_inline]] inline void oneInBlocks(With with, const In* in, Out* result,
+                                               std::size_t count) {
+    std::size_t i = 0;
+    for (; i + lanesPerBlock <= count; i += lanesPerBlock) {
+        SLUICE_INDEPENDENT_ELEMENTS
+        for (std::size_t k = i; k < i + lanesPerBlock; ++k) result[k] = with(in[k]);
+    }
+    for (; i < count; ++i) result[i] = with(in[i]);
+}
+
+#if defined(__x86_64__)
+template <typename With, typename In, typename Out>
+[[gnu::target("avx2")]] void wideOne(With with, const In* in, Out* result, std::size_t count) {
+    oneInBlocks(with, in, result, count);
+}
+#endif
+
+template <typename With, typename In, typename Out>
+void one(With with, const In* in, Out* result, std::size_t count) {
+#if defined(__x86_64__)
+    if (count >= worthWideInstructions && hasWideInstructions()) {
+        return wideOne(with, in, result, count);
+    }
+#endif
+    oneInBlocks(with, in, result, count);
+}
+
+#undef SLUICE_INDEPENDENT_ELEMENTS
+
 // What the frame below runs on stretches of equal length: the answer is as of a kernel.
 
 template <typename Op>
@@ -170,7 +211,20 @@ struct ByElement {
         lanes<Op>(a, b, result, count);
         return done;
     }
+    template <typename A, typename B>
+    static void runRight(const A* a, B right, A* result, std::size_t count) {
+        one(WithRight<Op, A, B>{right}, a, result, count);
+    }
+    template <typename A, typename B>
+    static void runLeft(A left, const B* b, A* result, std::size_t count) {
+        one(WithLeft<Op, A, B>{left}, b, result, count);
+    }
 };
+
+template <typename Loop>
+constexpr bool takesOneNumber = false;
+template <typename Op>
+constexpr bool takesOneNumber<ByElement<Op>> = true;
 
 // Structured elements as the plain floats that they are made of.
 template <typename Operation>
@@ -249,6 +303,19 @@ template <typename Loop, typename A, typename B>
 int64_t restOf(const A* a, std::size_t aCount, const B* b, std::size_t bCount, A* result,
                const NetworkManager* manager) {
     // The last element is read only now: it may be one that the loop has just written.
+    if constexpr (takesOneNumber<Loop> && std::is_arithmetic_v<A> && std::is_arithmetic_v<B>) {
+        const bool isRight = aCount > bCount;
+        const A left = a[aCount - 1];
+        const B right = b[bCount - 1];
+        return stretches(std::min(aCount, bCount), std::max(aCount, bCount), elementsBetweenPolls,
+                         manager, [&](std::size_t i, std::size_t count) {
+                             if (isRight)
+                                 Loop::runRight(a + i, right, result + i, count);
+                             else
+                                 Loop::runLeft(left, b + i, result + i, count);
+                             return done;
+                         });
+    }
     if (aCount > bCount) {
         const Repeated<B> last(b[bCount - 1], aCount - bCount);
         return stretches(bCount, aCount, last.most, manager, [&](std::size_t i, std::size_t count) {

@@ -68,6 +68,12 @@ void sortByKey(std::vector<Item>& items) {
     });
 }
 
+template <typename Item>
+void writeOrder(const std::vector<Item>& items, Array<int32_t>& order) {
+    order.resizeForOverwrite(static_cast<uint32_t>(items.size()));
+    for (std::size_t i = 0; i < items.size(); ++i) order[i] = items[i].position;
+}
+
 template <typename T>
 void orderNumbers(std::span<const T> elements, Array<int32_t>& order, WorkMeter& meter) {
     using Key = decltype(keyOf(T()));
@@ -80,8 +86,7 @@ void orderNumbers(std::span<const T> elements, Array<int32_t>& order, WorkMeter&
     } else {
         sortByDigits(items, meter);
     }
-    order.resizeForOverwrite(static_cast<uint32_t>(items.size()));
-    for (std::size_t i = 0; i < items.size(); ++i) order[i] = items[i].position;
+    writeOrder(items, order);
 }
 
 // Most elements differ in what the key holds; the rest is looked at when they do not.
@@ -95,8 +100,7 @@ void orderByKeys(std::vector<Keyed<Key>>& items, Array<int32_t>& order, WorkMete
         if (restIsLess(b.position, a.position)) return false;
         return a.position < b.position;
     });
-    order.resizeForOverwrite(static_cast<uint32_t>(items.size()));
-    for (std::size_t i = 0; i < items.size(); ++i) order[i] = items[i].position;
+    writeOrder(items, order);
 }
 
 template <typename T>
@@ -119,13 +123,29 @@ void orderTuples(std::span<const T> elements, Array<int32_t>& order, WorkMeter& 
     });
 }
 
-// The first eight bytes, the first one in front; a shorter string is filled up with zeros.
-uint64_t leadingBytes(const TM_String& text) {
+// Eight bytes behind the first `skipped`, the first one in front; a shorter string is filled up
+// with zeros.
+uint64_t bytesOf(const TM_String& text, std::size_t skipped) {
     unsigned char bytes[8] = {};
-    std::memcpy(bytes, text.data(), std::min<std::size_t>(text.size(), sizeof bytes));
+    std::memcpy(bytes, text.data() + skipped, std::min(text.size() - skipped, sizeof bytes));
     uint64_t key = 0;
     for (const unsigned char byte : bytes) key = key << 8 | byte;
     return key;
+}
+
+// How many bytes all strings begin with.
+std::size_t commonLength(std::span<const TM_String> strings) {
+    std::size_t common = strings.empty() ? 0 : strings[0].size();
+    for (const TM_String& string : strings) {
+        common = std::min(common, string.size());
+        if (std::memcmp(string.data(), strings[0].data(), common) == 0) continue;
+        common = static_cast<std::size_t>(
+            std::mismatch(string.begin(), string.begin() + static_cast<std::ptrdiff_t>(common),
+                          strings[0].begin())
+                .first -
+            string.begin());
+    }
+    return common;
 }
 
 } // namespace
@@ -157,15 +177,32 @@ void orderElements(std::span<const Matrix4<float>> elements, Array<int32_t>& ord
 }
 
 void orderElements(std::span<const TM_String> elements, Array<int32_t>& order, WorkMeter& meter) {
-    std::vector<Keyed<uint64_t>> items(elements.size());
+    using Item = Keyed<uint64_t>;
+    const std::size_t skipped = commonLength(elements);
+    std::vector<Item> items(elements.size());
     for (std::size_t i = 0; i < items.size(); ++i) {
-        items[i] = {leadingBytes(elements[i]), static_cast<int32_t>(i)};
+        items[i] = {bytesOf(elements[i], skipped), static_cast<int32_t>(i)};
     }
-    orderByKeys(items, order, meter, [&](int32_t a, int32_t b) {
-        const TM_String& first = elements[static_cast<std::size_t>(a)];
-        const TM_String& second = elements[static_cast<std::size_t>(b)];
-        return first.compare(second) < 0;
-    });
+    if (items.size() < worthDigits) {
+        sortByKey(items);
+    } else {
+        sortByDigits(items, meter);
+    }
+    // Where the keys are equal, what stands behind them decides.
+    const auto isLess = [&](const Item& a, const Item& b) {
+        meter.add(1);
+        const TM_String& first = elements[static_cast<std::size_t>(a.position)];
+        const TM_String& second = elements[static_cast<std::size_t>(b.position)];
+        const int compared = first.compare(second);
+        return compared != 0 ? compared < 0 : a.position < b.position;
+    };
+    for (auto begin = items.begin(); begin != items.end();) {
+        const auto end = std::find_if(begin, items.end(),
+                                      [&](const Item& item) { return item.key != begin->key; });
+        if (end - begin > 1) std::sort(begin, end, isLess);
+        begin = end;
+    }
+    writeOrder(items, order);
 }
 
 } // namespace tidemark::sluice::graph
