@@ -336,4 +336,61 @@ void reverse(State& state) {
 }
 BENCHMARK(reverse)->Name("values/reverse");
 
+// Conditions, beside the mask that they end in.
+
+void conditionFilterBy(State& state) {
+    graph::SL_GraphScene scene;
+    const auto make = [&](const char* type) {
+        graph::NodeBase* made =
+            graph::SceneManager::instance().getNodeFactoryFromType(type)->createNode();
+        scene.addNodeToGraph(made);
+        return made->getCoreNode();
+    };
+    weft::Node* above = make("ConditionGreaterThanConstant");
+    weft::Node* filter = make("ConditionFilterBy");
+    auto& limit = static_cast<NumericAttribute&>(*above->findAttribute("value"));
+    auto& value = static_cast<NumericAttribute&>(*filter->findAttribute("value"));
+    for (NumericAttribute* pin : {&limit, &value}) {
+        pin->setSpecializationOverride("Real");
+        pin->updateSpecializations(nullptr);
+    }
+    limit.ownNumeric().setValue<float>(50.0f);
+    std::mt19937 random(3);
+    std::uniform_real_distribution<float> spread(0.0f, 100.0f);
+    tidemark::Array<float> values;
+    values.resize(million);
+    for (float& number : values) number = spread(random);
+    value.ownNumeric().setValues(values);
+    scene.networkManager().connect(above->findAttribute("condition"),
+                                   filter->findAttribute("condition"), nullptr);
+    weft::Attribute* result = filter->findAttribute("result");
+    for (auto _ : state) {
+        value.valueChanged();
+        result->computeNow();
+    }
+}
+BENCHMARK(conditionFilterBy)->Name("values/conditionFilterBy");
+
+// Bits.
+
+constexpr uint32_t hundredMillion = 100 * million;
+
+void bitNode(State& state, const char* type) {
+    ValueNode node(type);
+    node.bits("in0", hundredMillion);
+    node.bits("in1", hundredMillion);
+    node.measure(state, "in0", "result");
+    bytes(state, 3.0 * hundredMillion / 8);
+}
+BENCHMARK_CAPTURE(bitNode, and, "BitAnd")->Name("values/bitAnd");
+BENCHMARK_CAPTURE(bitNode, xnor, "BitXnor")->Name("values/bitXnor");
+
+void countBits(State& state) {
+    ValueNode node("ArrayBitCountTrue");
+    node.bits("in", hundredMillion);
+    node.measure(state, "in", "count");
+    bytes(state, hundredMillion / 8.0);
+}
+BENCHMARK(countBits)->Name("values/bitCount");
+
 } // namespace

@@ -87,6 +87,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Example{"nested_compounds.xml", 0, "root.Statistics.mean", "[5.0]"},
                     Example{"loop.xml", 0, "root.Evaluator.evaluate", "[55]"},
                     Example{"kernel.xml", 0, "root.Evaluator.evaluate", "[60]"},
+                    Example{"million.xml", 0, "root.Average.average", "[0.74989223]"},
                     Example{"routing.xml", 0, "root.Evaluator.chosen", "[20]"},
                     Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
                     Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
