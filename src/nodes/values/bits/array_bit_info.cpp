@@ -121,98 +121,88 @@ private:
 };
 
 // One input, one question, one output.
-
-class BitNumberNode : public weft::Node {
+class BitQuestionNode : public weft::Node {
 public:
-    void update(Attribute*) override {
+    void update(Attribute* attribute) override {
         in_->pull();
-        answer(*out_, question_(in_->bits()));
-        out_->valueChanged();
+        if (number_) answer(*number_, askNumber_(in_->bits()));
+        if (bit_) answer(*bit_, askBit_(in_->bits()));
+        attribute->valueChanged();
     }
 
 protected:
-    BitNumberNode(NetworkManager* manager, const TM_String& name, Node* parent,
-                  NumberQuestion question, const char* out, const char* help)
-        : Node(manager, name, parent), question_(question) {
-        in_ = addInput<BitArrayAttribute>("in", "The bit array to examine.");
-        out_ = addOutput<NumericAttribute>(out, help);
-        setAttributeAllowedSpecialization(out_, "Integer");
-        setAttributeAffectedByAllInputs(out_);
+    BitQuestionNode(NetworkManager* manager, const TM_String& name, Node* parent,
+                    NumberQuestion question, const char* out, const char* help)
+        : BitQuestionNode(manager, name, parent) {
+        askNumber_ = question;
+        number_ = addOutput<NumericAttribute>(out, help);
+        setAttributeAllowedSpecialization(number_, "Integer");
+        setAttributeAffectedByAllInputs(number_);
+    }
+    BitQuestionNode(NetworkManager* manager, const TM_String& name, Node* parent,
+                    BitQuestion question, const char* out, const char* help)
+        : BitQuestionNode(manager, name, parent) {
+        askBit_ = question;
+        bit_ = addOutput<BitArrayAttribute>(out, help);
+        setAttributeAffectedByAllInputs(bit_);
     }
 
 private:
-    BitArrayAttribute* in_;
-    NumericAttribute* out_;
-    NumberQuestion question_;
-};
-
-class BitBooleanNode : public weft::Node {
-public:
-    void update(Attribute*) override {
-        in_->pull();
-        answer(*out_, question_(in_->bits()));
-        out_->valueChanged();
-    }
-
-protected:
-    BitBooleanNode(NetworkManager* manager, const TM_String& name, Node* parent,
-                   BitQuestion question, const char* out, const char* help)
-        : Node(manager, name, parent), question_(question) {
+    BitQuestionNode(NetworkManager* manager, const TM_String& name, Node* parent)
+        : Node(manager, name, parent) {
         in_ = addInput<BitArrayAttribute>("in", "The bit array to examine.");
-        out_ = addOutput<BitArrayAttribute>(out, help);
-        setAttributeAffectedByAllInputs(out_);
     }
 
-private:
     BitArrayAttribute* in_;
-    BitArrayAttribute* out_;
-    BitQuestion question_;
+    // One of the two outputs, with its question.
+    NumericAttribute* number_ = nullptr;
+    BitArrayAttribute* bit_ = nullptr;
+    NumberQuestion askNumber_ = nullptr;
+    BitQuestion askBit_ = nullptr;
 };
 
-// One row per type: class, base, question, name and help of the output, description.
-#define SLUICE_QUESTION_NODE(Class, Base, question, out, help, description)                        \
-    class Class : public Base {                                                                    \
+// One row per type: class, question, name and help of the output, description.
+#define SLUICE_QUESTION_NODE(Class, question, out, help, description)                              \
+    class Class : public BitQuestionNode {                                                         \
     public:                                                                                        \
         Class(NetworkManager* manager, const TM_String& name, Node* parent)                        \
-            : Base(manager, name, parent, question, out, help) {                                   \
+            : BitQuestionNode(manager, name, parent, question, out, help) {                        \
             appendClass<#Class>();                                                                 \
             describe(description);                                                                 \
         }                                                                                          \
     };                                                                                             \
     SLUICE_DEFINE_NODE(Class)
 
-SLUICE_QUESTION_NODE(ArrayBitCountTrue, BitNumberNode, countTrue, "count",
-                     "The number of bits set to 1.",
+SLUICE_QUESTION_NODE(ArrayBitCountTrue, countTrue, "count", "The number of bits set to 1.",
                      "This node returns the number of bits set to 1 in the input bit array.")
-SLUICE_QUESTION_NODE(ArrayBitCountFalse, BitNumberNode, countFalse, "count",
-                     "The number of bits set to 0.",
+SLUICE_QUESTION_NODE(ArrayBitCountFalse, countFalse, "count", "The number of bits set to 0.",
                      "This node returns the number of bits set to 0 in the input bit array.")
 SLUICE_QUESTION_NODE(
-    ArrayBitFirstTrue, BitNumberNode, firstTrue, "first", "The position of the first 1, or -1.",
+    ArrayBitFirstTrue, firstTrue, "first", "The position of the first 1, or -1.",
     "This node returns the position of the first bit set to 1 in the input bit array or -1 if all "
     "bits are false.")
 SLUICE_QUESTION_NODE(
-    ArrayBitFirstFalse, BitNumberNode, firstFalse, "first", "The position of the first 0, or -1.",
+    ArrayBitFirstFalse, firstFalse, "first", "The position of the first 0, or -1.",
     "This node returns the position of the first bit set to 0 in the input bit array or -1 if all "
     "bits are true.")
 SLUICE_QUESTION_NODE(
-    ArrayBitLastTrue, BitNumberNode, lastTrue, "last", "The position of the last 1, or -1.",
+    ArrayBitLastTrue, lastTrue, "last", "The position of the last 1, or -1.",
     "This node returns the position of the last bit set to 1 in the input bit array or -1 if all "
     "bits are false.")
 SLUICE_QUESTION_NODE(
-    ArrayBitLastFalse, BitNumberNode, lastFalse, "last", "The position of the last 0, or -1.",
+    ArrayBitLastFalse, lastFalse, "last", "The position of the last 0, or -1.",
     "This node returns the position of the last bit set to 0 in the input bit array or -1 if all "
     "bits are true.")
 SLUICE_QUESTION_NODE(
-    ArrayBitAnyTrue, BitBooleanNode, anyTrue, "any", "True if at least one bit is 1.",
+    ArrayBitAnyTrue, anyTrue, "any", "True if at least one bit is 1.",
     "This node returns true if the input contains at least one bit equal to 1. False otherwise.")
 SLUICE_QUESTION_NODE(
-    ArrayBitAnyFalse, BitBooleanNode, anyFalse, "any", "True if at least one bit is 0.",
+    ArrayBitAnyFalse, anyFalse, "any", "True if at least one bit is 0.",
     "This node returns true if the input contains at least one bit equal to 0. False otherwise.")
 // The descriptions of these two are known to users as they stand, each with the other's value.
-SLUICE_QUESTION_NODE(ArrayBitAllTrue, BitBooleanNode, allTrue, "all", "True if no bit is 0.",
+SLUICE_QUESTION_NODE(ArrayBitAllTrue, allTrue, "all", "True if no bit is 0.",
                      "This node returns true if all the input bits are set to 0. False otherwise.")
-SLUICE_QUESTION_NODE(ArrayBitAllFalse, BitBooleanNode, allFalse, "all", "True if no bit is 1.",
+SLUICE_QUESTION_NODE(ArrayBitAllFalse, allFalse, "all", "True if no bit is 1.",
                      "This node returns true if all the input bits are set to 1. False otherwise.")
 
 #undef SLUICE_QUESTION_NODE

@@ -2,7 +2,8 @@
 // What the bit nodes share: work on whole words of bit arrays. Bits are numbered as in
 // `BitArrayValue`; what lies in a last word beyond the elements may be read and is never relied on.
 //
-//     compressBits(words, mask, 96, target, meter);     // the bits of `words` where `mask` is set
+//     compressBits(words, mask, 96, target, 3, meter);     // the bits of `words` where `mask` is
+//     set
 #pragma once
 
 #include <algorithm>
