@@ -31,7 +31,7 @@ T* packWord(const T* block, uint32_t count, uint32_t word, T* out) {
 
 /// The same for `count` elements and their words, each of which is xor-ed with `flip` before.
 template <typename T>
-T* pack(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T* out) {
+T* packPlain(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T* out) {
     uint32_t first = 0;
     for (; first + testsPerWord <= count; first += testsPerWord) {
         out = packWord(block + first, testsPerWord, *words++ ^ flip, out);
@@ -39,6 +39,25 @@ T* pack(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T*
     if (first == count) return out;
     const uint32_t rest = count - first;
     return packWord(block + first, rest, (*words ^ flip) & ((uint32_t(1) << rest) - 1), out);
+}
+
+/// Four bytes of any type.
+using FourBytes [[gnu::may_alias]] = uint32_t;
+
+/// The same for elements of four bytes, whatever they are.
+FourBytes* packSmall(const FourBytes* block, uint32_t count, const uint32_t* words, uint32_t flip,
+                     FourBytes* out);
+
+/// The same in the fastest way for `T`.
+template <typename T>
+T* pack(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T* out) {
+    if constexpr (sizeof(T) == sizeof(uint32_t) && std::is_trivially_copyable_v<T>) {
+        auto* const end = packSmall(reinterpret_cast<const FourBytes*>(block), count, words, flip,
+                                    reinterpret_cast<FourBytes*>(out));
+        return reinterpret_cast<T*>(end);
+    } else {
+        return packPlain(block, count, words, flip, out);
+    }
 }
 
 /// The elements of type `T` of a number while it is filled with what is kept. At the end, by an
