@@ -222,6 +222,9 @@ void takeResults(const Clones& clones) {
         }
         takeStrings(*into, written);
     }
+    for (const KernelClone::Handover& handover : clones.back()->handovers()) {
+        if (Value* value = handover.inside->value()) handover.outside->setValue(value);
+    }
 }
 
 // A message that several threads have is told once.

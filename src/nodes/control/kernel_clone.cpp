@@ -40,6 +40,11 @@ uint32_t countBelow(const KernelPlan::GraphNode& node) {
 
 bool isSameClass(const Value& a, const Value& b) { return typeid(a) == typeid(b); }
 
+Attribute* behindPassThroughs(Attribute* attribute) {
+    while (attribute->isPassThrough() && attribute->source()) attribute = attribute->source();
+    return attribute;
+}
+
 } // namespace
 
 KernelClone::KernelClone(const KernelPlan& plan, const KernelShare& share, bool alone)
@@ -192,15 +197,17 @@ void KernelClone::shareVariable(const Attribute& variable, Attribute& copy) {
 
 // Where several threads run, each has a result of its own, and the last one's counts.
 void KernelClone::shareOutlet(const KernelPlan::Outlet& outlet) {
-    Value* const outside = outlet.source->currentValue();
     const Pin* pin = pinAt(outlet.end, false);
-    if (!outside || !pin) return;
-    Attribute* writer = pin->getWeftAttribute();
-    while (writer->isPassThrough() && writer->source()) writer = writer->source();
+    if (!pin) return;
+    Attribute* const writer = behindPassThroughs(pin->getWeftAttribute());
     // What comes in and goes out again is a variable's.
     if (writer->parent() == vars_ && writer->isPassThrough()) return;
     Value* const own = writer->value();
-    if (!own || own == outside || !isSameClass(*own, *outside)) return;
+    if (!own && writer->isOutput() && !writer->isPassThrough()) {
+        handovers_.push_back({behindPassThroughs(outlet.source), writer});
+    }
+    Value* const outside = outlet.source->currentValue();
+    if (!outside || !own || own == outside || !isSameClass(*own, *outside)) return;
     if (alone_) return writer->setValue(outside);
     own->copyFrom(outside);
     stands_.push_back({outside, own, true});

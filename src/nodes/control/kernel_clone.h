@@ -39,6 +39,13 @@ public:
         bool isResult; ///< computed anew for each element, not written in place
     };
     const std::vector<Stand>& stands() const { return stands_; }
+    /// An output of the outside that has no value of its own, but shows the object that was handed
+    /// on last, and what stands for it in this copy.
+    struct Handover {
+        Attribute* outside;
+        const Attribute* inside;
+    };
+    const std::vector<Handover>& handovers() const { return handovers_; }
     /// Values of the outside that this copy uses beside others.
     const std::vector<Value*>& sharedValues() const { return sharedValues_; }
 
@@ -77,6 +84,7 @@ private:
     GraphNode* evaluatorNode_ = nullptr;
     KernelVars* vars_ = nullptr;
     std::vector<Stand> stands_;
+    std::vector<Handover> handovers_;
     std::vector<Value*> sharedValues_;
     Reports reports_;
     std::set<std::pair<uint32_t, TM_String>> reported_;

@@ -34,14 +34,15 @@ TEST(ConditionsInLoops, ChooseAnewInEachRound) {
     EXPECT_EQ(13, net.ask());
 }
 
-// In C: K.index > Z.value; I chooses the constant R (20) at index 0 and the element else.
+// In C: K.element > Z.value; I chooses the constant R (20) for an element that is 0, and the
+// element else.
 class ChoosingKernel : public KernelScene {
 public:
     explicit ChoosingKernel(int threads) {
         add("ConditionIsZero", "Z", node("C"));
         add("ConditionIf", "I", node("C"));
         add("Real", "R", node("C"));
-        link("C.K.index", "C.Z.value");
+        link("C.K.element", "C.Z.value");
         link("C.Z.mask", "C.I.condition");
         link("C.R.real", "C.I.true value");
         link("C.K.element", "C.I.false value");
@@ -56,9 +57,12 @@ TEST(ConditionsInKernels, ChooseForEachElement) {
         ChoosingKernel net(threads);
         net.scene.run();
         EXPECT_EQ((std::vector<float>{4}), net.reals("E.evaluate")) << threads;
-        net.setArray({7});
+        net.setArray({7, 6, 0});
         net.scene.run();
         EXPECT_EQ((std::vector<float>{20}), net.reals("E.evaluate")) << threads;
+        net.setArray({0, 6});
+        net.scene.run();
+        EXPECT_EQ((std::vector<float>{6}), net.reals("E.evaluate")) << threads;
     }
 }
 
