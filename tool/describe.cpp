@@ -23,6 +23,15 @@ std::string indented(const std::string& text, std::size_t indent) {
     return blanks + text::replaceAll(text, "\n", "\n" + blanks) + "\n";
 }
 
+/// Type and value, separated by commas.
+std::string byType(const Json& defaults) {
+    std::string list;
+    for (const auto& [type, value] : defaults.items()) {
+        list += (list.empty() ? "" : ", ") + type + " " + dumped(value);
+    }
+    return list;
+}
+
 std::string pinText(const Json& pin) {
     std::string out = "  " + pin["name"].get<std::string>() + "\n";
     const auto line = [&out](const char* label, const std::string& content) {
@@ -35,6 +44,7 @@ std::string pinText(const Json& pin) {
     if (pin["specializations"] != pin["allowed"]) line("now", listed(pin["specializations"]));
     if (pin.contains("options")) line("options", listed(pin["options"]));
     if (!pin["value"].is_null()) line("default", dumped(pin["value"]));
+    if (pin.contains("defaults")) line("default", byType(pin["defaults"]));
     return out;
 }
 

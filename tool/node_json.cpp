@@ -32,6 +32,20 @@ Json defaultJson(const Pin& pin) {
     return value && !unsettled ? valueJson(pin) : Json(nullptr);
 }
 
+/// What a number shows in each type that it may be of, by the type's name.
+Json defaultsByType(const Pin& pin, const weft::Numeric& numeric) {
+    Json defaults = Json::object();
+    weft::Numeric shown(nullptr);
+    shown.copyFrom(&numeric);
+    for (const TM_String& name : pin.getAllowedSpecializations()) {
+        const weft::NumericType type = weft::numericTypeOf(name);
+        if (type == weft::NumericType::none) continue;
+        shown.setType(type);
+        defaults[name] = numericJson(shown);
+    }
+    return defaults;
+}
+
 Json describePin(const Pin& pin) {
     Json json;
     json["name"] = pin.getName();
@@ -40,6 +54,10 @@ Json describePin(const Pin& pin) {
     json["specializations"] = namesJson(pin.getSpecializations());
     json["description"] = pin.getDescription();
     json["value"] = defaultJson(pin);
+    const auto* numeric = weft::valueAs<weft::Numeric>(pin.value());
+    if (numeric && numeric->type() == weft::NumericType::none && pin.isInput()) {
+        json["defaults"] = defaultsByType(pin, *numeric);
+    }
     const auto* list = weft::valueAs<weft::Enum>(pin.value());
     if (!list) return json;
     Json options = Json::array();

@@ -191,9 +191,19 @@ private:
     }
 
     /// One element stands for itself.
-    static std::string defaultText(const Json& value) {
+    static std::string valueText(const Json& value) {
         if (value.is_null() || value.empty()) return {};
-        return escapedMarkup(dumped(value.size() == 1 ? value[0] : value));
+        return "<code>" + escapedMarkup(dumped(value.size() == 1 ? value[0] : value)) + "</code>";
+    }
+    /// One value, or one for each type.
+    static std::string defaultText(const Json& pin) {
+        if (!pin.contains("defaults")) return valueText(pin["value"]);
+        std::string lines;
+        for (const auto& [type, value] : pin["defaults"].items()) {
+            lines += (lines.empty() ? "" : "<br>") + escapedMarkup(type) + " " + valueText(value);
+        }
+        if (pin["defaults"].size() <= 2) return lines;
+        return "<details><summary>by type</summary>" + lines + "</details>";
     }
 
     static std::string pinTable(const char* title, const char* side, const Json& pins) {
@@ -215,9 +225,8 @@ private:
             }
             table += "<tr id=\"" + std::string(side) + "-" + escapedMarkup(name) +
                      "\"><th scope=\"row\">" + escapedMarkup(name) + "</th><td>" + typesCell(pin) +
-                     "</td>" +
-                     (isInput ? "<td><code>" + defaultText(pin["value"]) + "</code></td>" : "") +
-                     "<td>" + text::replaceAll(meaning, "\n", "<br>") + "</td></tr>\n";
+                     "</td>" + (isInput ? "<td>" + defaultText(pin) + "</td>" : "") + "<td>" +
+                     text::replaceAll(meaning, "\n", "<br>") + "</td></tr>\n";
         }
         return table + "</tbody></table></div>\n";
     }

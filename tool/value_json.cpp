@@ -44,28 +44,6 @@ Json elementsOf(const weft::Numeric& numeric) {
     return list;
 }
 
-Json numericJson(const weft::Numeric& numeric) {
-    switch (numeric.type()) {
-    case weft::NumericType::integer:
-        return elementsOf<int32_t>(numeric);
-    case weft::NumericType::integer64:
-        return elementsOf<int64_t>(numeric);
-    case weft::NumericType::real:
-        return elementsOf<float>(numeric);
-    case weft::NumericType::vector3:
-        return elementsOf<Vector3<float>>(numeric);
-    case weft::NumericType::color4:
-        return elementsOf<Color4<float>>(numeric);
-    case weft::NumericType::quaternion:
-        return elementsOf<Quaternion<float>>(numeric);
-    case weft::NumericType::matrix4:
-        return elementsOf<Matrix4<float>>(numeric);
-    case weft::NumericType::none:
-        break;
-    }
-    return Json::array();
-}
-
 Json bitsJson(const weft::BitArrayValue& bits) {
     Json list = Json::array();
     for (uint32_t i = 0; i < bits.size(); ++i) list.push_back(bits.testBit(i));
@@ -120,6 +98,28 @@ Json conditionJson(const sluice::graph::ConditionValue& condition) {
 }
 
 } // namespace
+
+Json numericJson(const weft::Numeric& numeric) {
+    switch (numeric.type()) {
+    case weft::NumericType::integer:
+        return elementsOf<int32_t>(numeric);
+    case weft::NumericType::integer64:
+        return elementsOf<int64_t>(numeric);
+    case weft::NumericType::real:
+        return elementsOf<float>(numeric);
+    case weft::NumericType::vector3:
+        return elementsOf<Vector3<float>>(numeric);
+    case weft::NumericType::color4:
+        return elementsOf<Color4<float>>(numeric);
+    case weft::NumericType::quaternion:
+        return elementsOf<Quaternion<float>>(numeric);
+    case weft::NumericType::matrix4:
+        return elementsOf<Matrix4<float>>(numeric);
+    case weft::NumericType::none:
+        break;
+    }
+    return Json::array();
+}
 
 Json floatJson(float number) {
     if (std::isnan(number)) return "nan";

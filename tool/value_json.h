@@ -16,6 +16,9 @@
 namespace tidemark::sluice::graph {
 class Pin;
 }
+namespace weft {
+class Numeric;
+}
 
 namespace tidemark::tool {
 
@@ -24,6 +27,9 @@ Json floatJson(float number);
 
 /// What the pin holds: always a list, empty without a value or a type. Floats as of `floatJson`.
 Json valueJson(const sluice::graph::Pin& pin);
+
+/// The elements of the selected type, as `valueJson` lists them.
+Json numericJson(const weft::Numeric& numeric);
 
 /// {"pin", "type", "size", "value"}; `name` is the full name to show.
 Json pinJson(const sluice::graph::Pin& pin, const std::string& name);

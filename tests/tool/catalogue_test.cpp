@@ -25,7 +25,7 @@ std::string types(const Json& words) {
 void tellPin(std::ostream& out, const char* side, const Json& pin) {
     out << "  " << side << ' ' << pin["name"].dump() << ' ' << pin["kind"].get<std::string>()
         << " [" << types(pin["allowed"]) << "] [" << types(pin["specializations"]) << "] "
-        << pin["value"].dump();
+        << (pin.contains("defaults") ? pin["defaults"] : pin["value"]).dump();
     if (pin.contains("options")) out << " of " << pin["options"].dump();
     out << ' ' << pin["description"].dump() << '\n';
 }
