@@ -146,9 +146,9 @@ Json keysJson(const weft::KeyValue& value) {
             list.push_back(nullptr);
             continue;
         }
-        list.push_back({{"x", doubleJson(key->x())},
-                        {"y", doubleJson(key->y())},
-                        {"type", tm_spline::nameOf(key->type())}});
+        list.push_back({{"type", tm_spline::nameOf(key->type())},
+                        {"x", doubleJson(key->x())},
+                        {"y", doubleJson(key->y())}});
     }
     return list;
 }

@@ -8,7 +8,7 @@
 //     Matrix4                    16 numbers
 //     Condition                  {"condition": "less than", "constant": true, "value": [2.5]}
 //     Curve                      {"keys": 2, "expression": ""}, null where there is none
-//     Key                        {"x": 0, "y": 1, "type": "tcb"}, likewise
+//     Key                        {"type": "tcb", "x": 0, "y": 1}, likewise
 #pragma once
 
 #include <string>
