@@ -2,14 +2,10 @@
 // Looking pins up and setting them from texts and files.
 #include "tool/pins.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-
 #include "graph/graph_scene.h"
 #include "tool/console.h"
 #include "tool/exit_status.h"
+#include "tool/text_file.h"
 #include "tool/value_json.h"
 
 namespace tidemark::tool {
@@ -52,32 +48,18 @@ void warnWhenConnected(const Pin& pin) {
                         "\" is connected: the value set is not what its node reads");
 }
 
-void set(Pin& pin, const std::string& type, const Json& value) {
-    setPinValue(pin, type, value);
+void set(Pin& pin, const std::string& type, const Json& value, Curves& curves) {
+    setPinValue(pin, type, value, curves);
     warnWhenConnected(pin);
 }
 
 /// Sets the pin that `target` names, which may end in ":TYPE".
-void setTarget(const SL_GraphScene& scene, const std::string& target, const Json& value) {
-    if (Pin* pin = pinNamed(scene, target)) return set(*pin, "", value);
+void setTarget(const SL_GraphScene& scene, const std::string& target, const Json& value,
+               Curves& curves) {
+    if (Pin* pin = pinNamed(scene, target)) return set(*pin, "", value, curves);
     const std::size_t colon = target.rfind(':');
-    if (colon == std::string::npos) return set(findPin(scene, target), "", value);
-    set(findPin(scene, target.substr(0, colon)), target.substr(colon + 1), value);
-}
-
-std::string contentOf(const std::string& file) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "rb"),
-                                                                 &std::fclose);
-    std::string content;
-    char buffer[65536];
-    std::size_t count = 0;
-    while (stream && (count = std::fread(buffer, 1, sizeof(buffer), stream.get())) > 0) {
-        content.append(buffer, count);
-    }
-    if (!stream || std::ferror(stream.get())) {
-        throw UsageError("can not read \"" + file + "\": " + std::strerror(errno));
-    }
-    return content;
+    if (colon == std::string::npos) return set(findPin(scene, target), "", value, curves);
+    set(findPin(scene, target.substr(0, colon)), target.substr(colon + 1), value, curves);
 }
 
 } // namespace
@@ -104,20 +86,20 @@ std::vector<NodeBase*> nodesInTreeOrder(const SL_GraphScene& scene) {
     return order;
 }
 
-void applySetting(const SL_GraphScene& scene, const std::string& setting) {
+void applySetting(const SL_GraphScene& scene, const std::string& setting, Curves& curves) {
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos || equals == 0) {
         throw UsageError("\"" + setting + "\" does not have the form PIN=VALUE");
     }
-    setTarget(scene, setting.substr(0, equals), jsonOrText(setting.substr(equals + 1)));
+    setTarget(scene, setting.substr(0, equals), jsonOrText(setting.substr(equals + 1)), curves);
 }
 
-void applySettingFile(const SL_GraphScene& scene, const std::string& file) {
+void applySettingFile(const SL_GraphScene& scene, const std::string& file, Curves& curves) {
     const Json json = Json::parse(contentOf(file), nullptr, false);
     if (!json.is_object()) {
         throw UsageError("\"" + file + "\" holds no JSON object of pin names and values");
     }
-    for (const auto& [name, value] : json.items()) setTarget(scene, name, value);
+    for (const auto& [name, value] : json.items()) setTarget(scene, name, value, curves);
 }
 
 } // namespace tidemark::tool

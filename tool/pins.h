@@ -7,6 +7,7 @@
 
 #include "core/array.h"
 #include "core/text.h"
+#include "tool/curve_file.h"
 
 namespace tidemark::sluice::graph {
 class NodeBase;
@@ -22,10 +23,13 @@ sluice::graph::Pin& findPin(const sluice::graph::SL_GraphScene& scene, const std
 /// All nodes but the root, each before its own children, in the order of the tree.
 std::vector<sluice::graph::NodeBase*> nodesInTreeOrder(const sluice::graph::SL_GraphScene& scene);
 
-/// Does what `--set` was given, "PIN=VALUE" or "PIN:TYPE=VALUE".
-void applySetting(const sluice::graph::SL_GraphScene& scene, const std::string& setting);
+/// Does what `--set` was given, "PIN=VALUE" or "PIN:TYPE=VALUE". Curves that it makes join
+/// `curves`, which outlives the scene.
+void applySetting(const sluice::graph::SL_GraphScene& scene, const std::string& setting,
+                  Curves& curves);
 
 /// Sets the pins of the JSON object in `file`.
-void applySettingFile(const sluice::graph::SL_GraphScene& scene, const std::string& file);
+void applySettingFile(const sluice::graph::SL_GraphScene& scene, const std::string& file,
+                      Curves& curves);
 
 } // namespace tidemark::tool

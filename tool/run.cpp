@@ -86,6 +86,7 @@ private:
 
     const RunOptions& options_;
     StandaloneHost host_;
+    Curves curves_; // that pins were set to; the graph goes before them
     Graph graph_;
     TemporaryPulls pulls_;
     std::unique_ptr<UpdateRecorder> recorder_; // null unless something wants to know
@@ -144,8 +145,12 @@ bool Run::read() {
 
 void Run::prepare() {
     keepMessagesUpTo(graph_.scene, options_.verbosity);
-    if (!options_.settingFile.empty()) applySettingFile(graph_.scene, options_.settingFile);
-    for (const std::string& setting : options_.settings) applySetting(graph_.scene, setting);
+    if (!options_.settingFile.empty()) {
+        applySettingFile(graph_.scene, options_.settingFile, curves_);
+    }
+    for (const std::string& setting : options_.settings) {
+        applySetting(graph_.scene, setting, curves_);
+    }
     for (const std::string& pin : options_.getPins) findPin(graph_.scene, pin);
     for (const std::string& pin : options_.pullPins) pulls_.add(pin);
     if (options_.profile || !options_.traceFile.empty()) {

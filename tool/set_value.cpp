@@ -11,6 +11,7 @@
 #include "core/numeric.h"
 #include "core/string_value.h"
 #include "graph/pin.h"
+#include "nodes/values/curves/curve_attributes.h"
 #include "tool/exit_status.h"
 #include "tool/value_json.h"
 
@@ -253,9 +254,33 @@ void setHostObjects(Pin& pin, const Json& json) {
     if (!pin.checkSL_NodeNamesIntegrity()) refuse(pin, "no such object: " + dumped(json));
 }
 
+/// "@FILE", an object, or null.
+void appendCurves(const Pin& pin, const Json& json, Curves& curves, Array<ANIFloatBase*>& out) {
+    if (json.is_null()) return out.append(nullptr);
+    const std::size_t before = curves.size();
+    if (json.is_object()) {
+        addCurves(json, pin.getFullName(), curves);
+    } else {
+        const std::string name = textOf(json);
+        if (name.size() < 2 || name[0] != '@') {
+            refuse(pin, "can not hold " + dumped(json) + "; name a file with curves, \"@FILE\"");
+        }
+        addCurvesOfFile(name.substr(1), curves);
+    }
+    for (std::size_t i = before; i < curves.size(); ++i) out.append(curves[i].get());
+}
+
+void setCurves(Pin& pin, weft::CurveValue& value, const Json& json, Curves& curves) {
+    Array<ANIFloatBase*> made;
+    for (const Json& element : elementsOf(json)) appendCurves(pin, element, curves, made);
+    value.setSize(0);
+    for (ANIFloatBase* curve : made) value.append(curve);
+    pin.getWeftAttribute()->valueChanged();
+}
+
 } // namespace
 
-void setPinValue(Pin& pin, const std::string& type, const Json& json) {
+void setPinValue(Pin& pin, const std::string& type, const Json& json, Curves& curves) {
     weft::Attribute* attribute = pin.getWeftAttribute();
     if (!attribute || !attribute->isInput()) refuse(pin, "only inputs can be set");
     if (!type.empty()) chooseType(pin, type);
@@ -267,6 +292,9 @@ void setPinValue(Pin& pin, const std::string& type, const Json& json) {
         return setStrings(pin, *strings, json);
     }
     if (auto* list = weft::valueAs<weft::Enum>(value)) return setKeys(pin, *list, json);
+    if (auto* list = weft::valueAs<weft::CurveValue>(value)) {
+        return setCurves(pin, *list, json, curves);
+    }
     if (pin.isSluiceNodeType()) return setHostObjects(pin, json);
     refuse(pin, "values of this kind can not be set");
 }

@@ -12,6 +12,7 @@
 #include "core/string_value.h"
 #include "graph/pin.h"
 #include "nodes/values/conditions/condition_value.h"
+#include "nodes/values/curves/curve_attributes.h"
 
 namespace tidemark::tool {
 
@@ -97,6 +98,39 @@ Json conditionJson(const sluice::graph::ConditionValue& condition) {
     return json;
 }
 
+Json doubleJson(double number) {
+    return std::isfinite(number) ? Json(number) : floatJson(static_cast<float>(number));
+}
+
+Json curvesJson(const weft::CurveValue& value) {
+    Json list = Json::array();
+    for (uint32_t i = 0; i < value.size(); ++i) {
+        const ANIFloatBase* curve = value.at(i);
+        if (!curve) {
+            list.push_back(nullptr);
+            continue;
+        }
+        list.push_back(
+            {{"keys", curve->spline().points().size()}, {"expression", curve->getExpression()}});
+    }
+    return list;
+}
+
+Json keysJson(const weft::KeyValue& value) {
+    Json list = Json::array();
+    for (uint32_t i = 0; i < value.size(); ++i) {
+        const PointInfo* key = value.at(i);
+        if (!key) {
+            list.push_back(nullptr);
+            continue;
+        }
+        list.push_back({{"type", tm_spline::nameOf(key->type())},
+                        {"x", doubleJson(key->x())},
+                        {"y", doubleJson(key->y())}});
+    }
+    return list;
+}
+
 } // namespace
 
 Json numericJson(const weft::Numeric& numeric) {
@@ -145,6 +179,8 @@ Json valueJson(const Pin& pin) {
     if (const auto* condition = weft::valueAs<sluice::graph::ConditionValue>(value)) {
         return Json::array({conditionJson(*condition)});
     }
+    if (const auto* curves = weft::valueAs<weft::CurveValue>(value)) return curvesJson(*curves);
+    if (const auto* keys = weft::valueAs<weft::KeyValue>(value)) return keysJson(*keys);
     if (const auto* hosts = dynamic_cast<weft::HostNodeValue*>(value)) {
         return hostObjectsJson(*hosts);
     }

@@ -7,10 +7,13 @@
 //     Quaternion                 [x, y, z, w]       host objects                 the name or null
 //     Matrix4                    16 numbers
 //     Condition                  {"condition": "less than", "constant": true, "value": [2.5]}
+//     Curve                      {"keys": 2, "expression": ""}, null where there is none
+//     Key                        {"type": "tcb", "x": 0, "y": 1}, likewise
 #pragma once
 
 #include <string>
 
+#include "tool/curve_file.h"
 #include "tool/json.h"
 
 namespace tidemark::sluice::graph {
@@ -38,7 +41,11 @@ Json pinJson(const sluice::graph::Pin& pin, const std::string& name);
 /// `type` is the specialization to choose first, or empty; a pin that may still be of several types
 /// then takes the first that can hold the value. Throws `UsageError`, which names the pin, when the
 /// pin holds no such values.
-void setPinValue(sluice::graph::Pin& pin, const std::string& type, const Json& value);
+///
+/// A curve is "@FILE", which may hold several, an object as such a file has, or null; `curves`
+/// keeps what is made.
+void setPinValue(sluice::graph::Pin& pin, const std::string& type, const Json& value,
+                 Curves& curves);
 
 /// `text` as JSON when it is JSON, else as a JSON string.
 Json jsonOrText(const std::string& text);

@@ -145,8 +145,10 @@ public:
     /// Blanks every reference to the host object in the scene's values.
     void removeAllReferencesToNodePointer(void* nodo);
     /// The same for the values of one attribute class, which offers `removeReferencesTo(pointers)`.
+    /// Nothing while the whole scene is thrown away: its values go as well.
     template <typename Attr>
     void removeAllReferencesToPointers(const Array<void*>& pointers) {
+        if (networkManager().isTearingDown()) return;
         for (const auto entry : networkManager().objects()) {
             if (auto* attribute = dynamic_cast<Attr*>(entry.value)) {
                 attribute->removeReferencesTo(pointers);
