@@ -3,6 +3,7 @@
 #include "graph/graph_scene.h"
 
 #include <algorithm>
+#include <atomic>
 #include <numeric>
 #include <vector>
 
@@ -17,7 +18,16 @@ namespace {
 
 constexpr unsigned graphKind = 3;
 
+// Whoever installs it may be a worker thread of a kernel.
+constinit std::atomic<CommonAttributes*> commonAttributes{nullptr};
+
 } // namespace
+
+void CommonAttributes::install(CommonAttributes* attributes) { commonAttributes = attributes; }
+
+void CommonAttributes::visitAll(const std::function<void(weft::Attribute&)>& visit) {
+    if (CommonAttributes* installed = commonAttributes) installed->visitAttributes(visit);
+}
 
 SL_GraphScene SL_GraphScene::mainGraph_;
 
@@ -249,6 +259,11 @@ void SL_GraphScene::removeAllReferencesToNodePointer(void* nodo) {
         }
         if (auto* value = dynamic_cast<weft::HostNodeValue*>(object)) value->forget(nodo);
     }
+    CommonAttributes::visitAll([nodo](weft::Attribute& attribute) {
+        if (auto* value = dynamic_cast<weft::HostNodeValue*>(attribute.value())) {
+            value->forget(nodo);
+        }
+    });
 }
 
 void SL_GraphScene::getEvaluablePins(ArrayOfPtr<GraphNodePin>& out) const {

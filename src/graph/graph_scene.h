@@ -7,6 +7,7 @@
 //     float sum = scene.getPinFloatValue("root.Sum.result");
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -40,6 +41,22 @@ enum class RunOutcome {
     interrupted, ///< `requestInterrupt`
     exception,   ///< a critical message, a loud cancel or a standard exception
     outOfMemory,
+};
+
+/// Attributes that stand beside all scenes and may hold values of any of them, such as those that
+/// keep global variables. What removes references from a scene removes them there as well.
+class SLUICE_API CommonAttributes {
+public:
+    /// Thread-safe. Calls `visit` with each attribute.
+    virtual void visitAttributes(const std::function<void(weft::Attribute&)>& visit) = 0;
+
+    /// Makes `attributes` known, for the rest of the process.
+    static void install(CommonAttributes* attributes);
+    /// Calls `visit` with each attribute of what was installed, if anything was.
+    static void visitAll(const std::function<void(weft::Attribute&)>& visit);
+
+protected:
+    ~CommonAttributes() = default;
 };
 
 /// Edited and run by one thread at a time; `requestInterrupt` may be called from any.
@@ -142,18 +159,21 @@ public:
 
     // References to host objects.
 
-    /// Blanks every reference to the host object in the scene's values.
+    /// Blanks every reference to the host object in the scene's values and in the common ones.
     void removeAllReferencesToNodePointer(void* nodo);
     /// The same for the values of one attribute class, which offers `removeReferencesTo(pointers)`.
-    /// Nothing while the whole scene is thrown away: its values go as well.
+    /// A scene that is thrown away as a whole is passed over: its values go as well.
     template <typename Attr>
     void removeAllReferencesToPointers(const Array<void*>& pointers) {
-        if (networkManager().isTearingDown()) return;
-        for (const auto entry : networkManager().objects()) {
-            if (auto* attribute = dynamic_cast<Attr*>(entry.value)) {
+        const auto remove = [&](weft::Object& object) {
+            if (auto* attribute = dynamic_cast<Attr*>(&object)) {
                 attribute->removeReferencesTo(pointers);
             }
+        };
+        if (!networkManager().isTearingDown()) {
+            for (const auto entry : networkManager().objects()) remove(*entry.value);
         }
+        CommonAttributes::visitAll(remove);
     }
     template <typename Attr>
     void removeAllReferencesToPointer(void* pointer) {
