@@ -88,6 +88,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Example{"loop.xml", 0, "root.Evaluator.evaluate", "[55]"},
                     Example{"kernel.xml", 0, "root.Evaluator.evaluate", "[60]"},
                     Example{"million.xml", 0, "root.Average.average", "[0.74989223]"},
+                    Example{"ramp.xml", 0, "root.Positions.array",
+                            "[0.0,0.125,0.25,0.375,0.5,0.625,0.75,0.875,1.0]"},
                     Example{"routing.xml", 0, "root.Evaluator.chosen", "[20]"},
                     Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
                     Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
@@ -95,6 +97,35 @@ INSTANTIATE_TEST_SUITE_P(
         const std::string file = info.param.file;
         return file.substr(0, file.find('.'));
     });
+
+TEST(ExampleOfACurve, FollowsTheFramesOfTheHost) {
+    const Ended ended = run({"run", SLUICE_EXAMPLES_DIR "/curve.xml", "--frames", "0-60x15",
+                             "--json", "--get", "root.Height.result", "--set",
+                             "root.Height.curve=@" SLUICE_EXAMPLES_DIR "/curve.json"});
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    std::string heights;
+    for (const Json document = ended.json(); const Json& frame : document["frames"]) {
+        heights += frame["frame"].dump() + ":" + frame["pins"][0]["value"].dump() + " ";
+    }
+    EXPECT_EQ(heights, "0:[2.0] 15:[0.0] 30:[1.0] 45:[0.0] 60:[0.0] ");
+}
+
+// The colours run in equal steps from end to end.
+TEST(ExampleOfARamp, MixesBothColours) {
+    const Ended ended =
+        run({"run", SLUICE_EXAMPLES_DIR "/ramp.xml", "--json", "--get", "root.Mix.result"});
+    const Json document = ended.json();
+    const Json& colors = document["pins"][0]["value"];
+    ASSERT_EQ(colors.size(), 9u);
+    const double first[] = {0.05, 0.1, 0.5, 1.0};
+    const double last[] = {1.0, 0.9, 0.3, 1.0};
+    for (int step = 0; step < 9; ++step) {
+        for (int part = 0; part < 4; ++part) {
+            const double mixed = first[part] + (last[part] - first[part]) * step / 8.0;
+            EXPECT_NEAR(colors[step][part].get<double>(), mixed, 1e-6);
+        }
+    }
+}
 
 TEST(ExamplesOfFailures, ReportOneOfEachReadingFailure) {
     const Ended ended = run({"run", SLUICE_EXAMPLES_DIR "/reading_failures.xml", "--json"});
