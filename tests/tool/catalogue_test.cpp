@@ -89,6 +89,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Example{"kernel.xml", 0, "root.Evaluator.evaluate", "[60]"},
                     Example{"million.xml", 0, "root.Average.average", "[0.74989223]"},
                     Example{"routing.xml", 0, "root.Evaluator.chosen", "[20]"},
+                    Example{"globals_set.xml", 0, "root.Evaluator.names", "[\"height\"]"},
+                    Example{"globals_get.xml", 0, "root.Evaluator.evaluate", "[0.0]"},
                     Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
                     Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
     [](const testing::TestParamInfo<Example>& info) {
