@@ -91,6 +91,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Example{"ramp.xml", 0, "root.Positions.array",
                             "[0.0,0.125,0.25,0.375,0.5,0.625,0.75,0.875,1.0]"},
                     Example{"routing.xml", 0, "root.Evaluator.chosen", "[20]"},
+                    Example{"globals_set.xml", 0, "root.Evaluator.names", "[\"height\"]"},
+                    Example{"globals_get.xml", 0, "root.Evaluator.evaluate", "[0.0]"},
                     Example{"cancelled.xml", 1, "root.Guard.cancel", "[true]"},
                     Example{"reading_failures.xml", 1, "root.Sum.result", "[5]"}),
     [](const testing::TestParamInfo<Example>& info) {

@@ -30,7 +30,7 @@ struct Probe {
 
 class ProbeAttribute : public weft::PointerAttribute {
 public:
-    using Object = Probe;
+    using Pointee = Probe;
 
     ProbeAttribute(weft::NetworkManager* manager, const tidemark::TM_String& name,
                    weft::Node* parent)

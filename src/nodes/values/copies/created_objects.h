@@ -25,10 +25,13 @@ struct CopyFailure {
 
 /// The objects behind the pointers that ports of class `Attr` carry, and how they are copied: with
 /// `clone()` where they have it, else by their copy constructor. `Attr` names their class as
-/// `Object`; a class of ports that cannot specializes this.
+/// `Pointee`; a class of ports that cannot specializes this.
 template <typename Attr>
-struct ObjectsOf {
-    using Object = typename Attr::Object;
+struct ObjectsOf {};
+template <typename Attr>
+requires requires { typename Attr::Pointee; }
+struct ObjectsOf<Attr> {
+    using Object = typename Attr::Pointee;
     static Object* copy(const Object& object) {
         if constexpr (requires { object.clone(); }) {
             return object.clone();

@@ -31,6 +31,8 @@ public:
 /// references to it in all scenes.
 class SLUICE_API KeyAttribute : public PointerAttribute {
 public:
+    using Pointee = tidemark::PointInfo;
+
     KeyAttribute(NetworkManager* manager, const TM_String& name, Node* parent);
 
     tidemark::PointInfo* keyAt(uint32_t index) const {

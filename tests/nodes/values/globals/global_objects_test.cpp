@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Global variables of objects behind pointers, with an element type of the test: who owns copies, and
-// what happens when an object dies.
+// Global variables of objects behind pointers, with an element type of the test: who owns copies,
+// and what happens when an object dies.
 #include <gtest/gtest.h>
 
 #include "core/exceptions.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Global variables set and read by the threads of a kernel: whose value counts is up to their order,
-// but it is always one that somebody set.
+// Global variables set and read by the threads of a kernel: whose value counts is up to their
+// order, but it is always one that somebody set.
 #include <gtest/gtest.h>
 
 #include <thread>
