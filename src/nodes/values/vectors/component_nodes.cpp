@@ -16,9 +16,8 @@ using weft::NetworkManager;
 class Vector3FromComponents : public FormulaNode<vectors::vectorOf> {
 public:
     Vector3FromComponents(NetworkManager* manager, const TM_String& name, Node* parent)
-        : FormulaNode(manager, name, parent, 2, {"x", "The x component."},
-                      {"y", "The y component."}, {"z", "The z component."},
-                      {"vector", "The vector."}) {
+        : FormulaNode(manager, name, parent, {"x", "The x component."}, {"y", "The y component."},
+                      {"z", "The z component."}, {"vector", "The vector."}) {
         appendClass<"Vector3FromComponents">();
         describe("Builds a vector from its three components.");
     }
@@ -38,7 +37,7 @@ public:
 class Color4FromComponentsNode : public FormulaNode<vectors::colorOf> {
 public:
     Color4FromComponentsNode(NetworkManager* manager, const TM_String& name, Node* parent)
-        : FormulaNode(manager, name, parent, 2, {"red", "The red component"},
+        : FormulaNode(manager, name, parent, {"red", "The red component"},
                       {"green", "The green component"}, {"blue", "The blue component"},
                       {"alpha", "The alpha component", 1.0f}, {"color", "The color."}) {
         appendClass<"Color4FromComponents">();
@@ -62,7 +61,7 @@ public:
 class Vector3ToColor4 : public FormulaNode<vectors::colorOfVector> {
 public:
     Vector3ToColor4(NetworkManager* manager, const TM_String& name, Node* parent)
-        : FormulaNode(manager, name, parent, 2, {"vector", "The vector to convert."},
+        : FormulaNode(manager, name, parent, {"vector", "The vector to convert."},
                       {"color", "The color."}) {
         appendClass<"Vector3ToColor4">();
         describe("Converts a vector to a color. The components x, y and z become red, green and "
@@ -73,7 +72,7 @@ public:
 class Color4ToVector3 : public FormulaNode<vectors::vectorOfColor> {
 public:
     Color4ToVector3(NetworkManager* manager, const TM_String& name, Node* parent)
-        : FormulaNode(manager, name, parent, 2, {"color", "The color to convert."},
+        : FormulaNode(manager, name, parent, {"color", "The color to convert."},
                       {"vector", "The vector."}) {
         appendClass<"Color4ToVector3">();
         describe("Converts a color to a vector. Red, green and blue become the components x, y and "
@@ -84,9 +83,8 @@ public:
 class QuaternionFromComponentsNode : public FormulaNode<vectors::quaternionOf> {
 public:
     QuaternionFromComponentsNode(NetworkManager* manager, const TM_String& name, Node* parent)
-        : FormulaNode(manager, name, parent, 2, {"x", "The x component."},
-                      {"y", "The y component."}, {"z", "The z component."},
-                      {"w", "The w component, the real part.", 1.0f},
+        : FormulaNode(manager, name, parent, {"x", "The x component."}, {"y", "The y component."},
+                      {"z", "The z component."}, {"w", "The w component, the real part.", 1.0f},
                       {"quaternion", "The quaternion."}) {
         appendClass<"QuaternionFromComponents">();
         describe("Builds a quaternion from its four components.");
@@ -109,7 +107,7 @@ public:
 class Matrix4FromComponentsNode : public FormulaNode<vectors::matrixOf> {
 public:
     Matrix4FromComponentsNode(NetworkManager* manager, const TM_String& name, Node* parent)
-        : FormulaNode(manager, name, parent, 8, {"m00", "The component in row 0, column 0.", 1.0f},
+        : FormulaNode(manager, name, parent, {"m00", "The component in row 0, column 0.", 1.0f},
                       {"m01", "The component in row 0, column 1."},
                       {"m02", "The component in row 0, column 2."},
                       {"m03", "The component in row 0, column 3."},
@@ -125,7 +123,7 @@ public:
                       {"m31", "The component in row 3, column 1."},
                       {"m32", "The component in row 3, column 2."},
                       {"m33", "The component in row 3, column 3.", 1.0f},
-                      {"matrix", "The matrix. Its fourth row is the translation."}) {
+                      {"matrix", "The matrix. Its fourth row is the translation.", 2.5}) {
         appendClass<"Matrix4FromComponents">();
         describe("Builds a matrix from its 16 components");
     }

@@ -5,8 +5,8 @@
 //     class Vector3Length : public FormulaNode<lengthOf> {
 //     public:
 //         Vector3Length(NetworkManager* manager, const TM_String& name, Node* parent)
-//             : FormulaNode(manager, name, parent, 2, {"vector", "The vector to measure."},
-//                           {"result", "The length of the vector."}) {
+//             : FormulaNode(manager, name, parent, {"vector", "The vector to measure."},
+//                           {"result", "The length of the vector.", 2.4}) {
 //             appendClass<"Vector3Length">();
 //             describe("Computes the length of the given vector.");
 //         }
@@ -36,6 +36,7 @@ struct InputRow {
 struct OutputRow {
     const char* name;
     const char* help;
+    double nanoseconds = 0.5; ///< roughly what one element costs, measured on one thread
 };
 
 /// What all of these nodes share: pins of one type each, every input affecting every output.
@@ -163,37 +164,42 @@ public:
     void update(weft::Attribute* attribute) override {
         input_->pull();
         std::size_t i = 0;
-        (compute<Formulas>(*outputs_[i++], attribute), ...);
+        (compute<Formulas>(i++, attribute), ...);
     }
 
 protected:
+    using Rows = std::array<OutputRow, sizeof...(Formulas)>;
+
     SplitNode(weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
-              double nanoseconds, const InputRow<In>& input,
-              const std::array<OutputRow, sizeof...(Formulas)>& outputs)
-        : ElementNode(manager, name, parent), nanoseconds_(nanoseconds), input_(addNumbers(input)) {
+              const InputRow<In>& input, const Rows& rows)
+        : ElementNode(manager, name, parent), input_(addNumbers(input)) {
         std::size_t i = 0;
         // Braces keep the order of the table.
-        outputs_ = {addResultsOf(Formulas, outputs[i++])...};
+        outputs_ = {addOutputOf(Formulas, rows[i++])...};
         setAttributeAffectsAllOutputs(input_);
     }
 
 private:
+    struct Output {
+        weft::NumericAttribute* pin;
+        double nanoseconds;
+    };
+
     template <typename R>
-    weft::NumericAttribute* addResultsOf(R (*)(const In&), const OutputRow& row) {
-        return addResults<R>(row);
+    Output addOutputOf(R (*)(const In&), const OutputRow& row) {
+        return {addResults<R>(row), row.nanoseconds};
     }
 
     template <auto Formula>
-    void compute(weft::NumericAttribute& output, const weft::Attribute* asked) {
+    void compute(std::size_t i, const weft::Attribute* asked) {
         using R = std::invoke_result_t<decltype(Formula), const In&>;
         writeIfNeeded<R>(
-            output, asked, nanoseconds_, [](const In& element) { return Formula(element); },
-            elementsOf<In>(input_->numeric()));
+            *outputs_[i].pin, asked, outputs_[i].nanoseconds,
+            [](const In& element) { return Formula(element); }, elementsOf<In>(input_->numeric()));
     }
 
-    double nanoseconds_;
     weft::NumericAttribute* input_;
-    std::array<weft::NumericAttribute*, sizeof...(Formulas)> outputs_;
+    std::array<Output, sizeof...(Formulas)> outputs_;
 };
 
 /// One input, and one real output for each number in its elements, in storage order.
@@ -204,7 +210,7 @@ public:
         input_->pull();
         for (std::size_t i = 0; i < count; ++i) {
             writeIfNeeded<float>(
-                *outputs_[i], attribute, 1,
+                *outputs_[i], attribute, OutputRow().nanoseconds,
                 [i](const In& element) { return reinterpret_cast<const float*>(&element)[i]; },
                 elementsOf<In>(input_->numeric()));
         }

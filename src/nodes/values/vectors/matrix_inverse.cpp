@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    static constexpr double nanosecondsPerInverse = 40;
+    static constexpr double nanosecondsPerInverse = 60;
 
     void reportSingular(std::span<const Matrix4<float>> matrices) {
         WorkMeter meter(*networkManager());

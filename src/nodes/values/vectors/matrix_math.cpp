@@ -105,18 +105,6 @@ void setColumn(Matrix4<float>& inverse, const Matrix4<float>& m, int row, int ot
 
 } // namespace
 
-Matrix4<float> translationMatrix(const Vector3<float>& translation) {
-    Matrix4<float> matrix;
-    std::copy_n(&translation.x, 3, matrix.x[3]);
-    return matrix;
-}
-
-Matrix4<float> scaleMatrix(const Vector3<float>& scale) {
-    Matrix4<float> matrix;
-    for (int i = 0; i < 3; ++i) matrix.x[i][i] = scale[i];
-    return matrix;
-}
-
 Matrix4<float> rotationMatrix(const Vector3<float>& axis, float degrees) {
     return settledMatrix(rotationOf(inDouble(axis), degrees));
 }

@@ -18,8 +18,12 @@ inline Matrix4<float> matrixOf(float m00, float m01, float m02, float m03, float
     return {m00, m01, m02, m03, m10, m11, m12, m13, m20, m21, m22, m23, m30, m31, m32, m33};
 }
 
-SLUICE_API Matrix4<float> translationMatrix(const Vector3<float>& translation);
-SLUICE_API Matrix4<float> scaleMatrix(const Vector3<float>& scale);
+inline Matrix4<float> translationMatrix(const Vector3<float>& t) {
+    return {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, t.x, t.y, t.z, 1};
+}
+inline Matrix4<float> scaleMatrix(const Vector3<float>& s) {
+    return {s.x, 0, 0, 0, 0, s.y, 0, 0, 0, 0, s.z, 0, 0, 0, 0, 1};
+}
 
 /// The axis may have any length; about a zero axis nothing turns. O. Rodrigues' formula (1840).
 SLUICE_API Matrix4<float> rotationMatrix(const Vector3<float>& axis, float degrees);

@@ -57,7 +57,7 @@ public:
 private:
     template <typename Function>
     void interpolate(Function function) {
-        write<Vector3<float>>(*result_, 4, function, elementsOf<Vector3<float>>(first_->numeric()),
+        write<Vector3<float>>(*result_, 1, function, elementsOf<Vector3<float>>(first_->numeric()),
                               elementsOf<Vector3<float>>(second_->numeric()),
                               elementsOf<float>(blend_->numeric()));
     }
@@ -90,7 +90,7 @@ public:
         reorder_->pull();
         const Order order = orderOf(reorder_->enumValue(0));
         write<Vector3<float>>(
-            *result_, 2,
+            *result_, 0.6,
             [order](const Vector3<float>& v) {
                 return Vector3<float>(v[order[0]], v[order[1]], v[order[2]]);
             },
