@@ -59,39 +59,31 @@ struct Zero {
 // Tests of two elements.
 
 template <typename T>
-constexpr std::size_t componentsOf = sizeof(T) / sizeof(float);
+constexpr std::size_t componentsOf = std::is_arithmetic_v<T> ? 1 : sizeof(T) / sizeof(float);
 
-// A number stands for all components.
-inline float component(float number, std::size_t) { return number; }
 template <typename T>
-float component(const T& element, std::size_t index) {
+const float* components(const T& element) {
     static_assert(sizeof(T) % sizeof(float) == 0 && alignof(T) == alignof(float));
-    return reinterpret_cast<const float*>(&element)[index];
+    return reinterpret_cast<const float*>(&element);
 }
 
-template <typename Test>
-struct OfAllComponents {
-    template <typename T, typename R>
-    [[gnu::always_inline]] static bool holds(const T& left, const R& right) {
-        if constexpr (std::is_arithmetic_v<T>) {
-            return Test::holds(left, right);
-        } else {
-            bool all = true;
-            for (std::size_t i = 0; i < componentsOf<T>; ++i) {
-                all &= Test::holds(component(left, i), component(right, i));
+template <typename Test, typename T, typename R>
+[[gnu::always_inline]] inline bool allHold(const T& left, const R& right) {
+    if constexpr (std::is_arithmetic_v<T>) {
+        return Test::holds(left, right);
+    } else {
+        bool all = true;
+        for (std::size_t i = 0; i < componentsOf<T>; ++i) {
+            // A number on the right stands for all components.
+            if constexpr (std::is_arithmetic_v<R>) {
+                all &= Test::holds(components(left)[i], right);
+            } else {
+                all &= Test::holds(components(left)[i], components(right)[i]);
             }
-            return all;
         }
+        return all;
     }
-};
-
-template <typename Test>
-struct Not {
-    template <typename T, typename R>
-    [[gnu::always_inline]] static bool holds(const T& left, const R& right) {
-        return !Test::holds(left, right);
-    }
-};
+}
 
 // Tests of blocks.
 
@@ -101,38 +93,106 @@ constexpr std::array<uint32_t, testsPerWord> bitOfLane = [] {
     return bits;
 }();
 
-// All ones or all zeros, not a branch, which would keep the loop from becoming vector instructions.
 template <typename Test, typename T, typename R>
-[[gnu::always_inline]] inline uint32_t lane(const T& left, const R& right, std::size_t i) {
-    return (0u - static_cast<uint32_t>(Test::holds(left, right))) & bitOfLane[i];
+[[gnu::always_inline]] inline uint32_t word(const T* left, const R* right, std::size_t count) {
+    uint32_t bits = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        // All ones or all zeros, not a branch: that would keep the loop from becoming vector
+        // instructions.
+        bits |= (0u - static_cast<uint32_t>(allHold<Test>(left[i], right[i]))) & bitOfLane[i];
+    }
+    return bits;
+}
+
+// One bit for each element, from one bit for each of its components: set when all are. `flat` is of
+// 32 elements.
+
+// Every third bit from bit 0 on, of the lower 24, moved together.
+constexpr uint32_t everyThird(uint32_t bits) {
+    bits &= 0x00249249u;
+    bits = (bits | bits >> 2) & 0x000c30c3u;
+    bits = (bits | bits >> 4) & 0x0000f00fu;
+    return (bits | bits >> 8) & 0x000000ffu;
+}
+
+[[gnu::always_inline]] inline uint32_t folded(const std::array<uint32_t, 3>& flat) {
+    const uint64_t low = flat[0] | uint64_t(flat[1]) << 32;
+    const uint32_t quarters[] = {static_cast<uint32_t>(low), static_cast<uint32_t>(low >> 24),
+                                 static_cast<uint32_t>(low >> 48) | flat[2] << 16, flat[2] >> 8};
+    uint32_t bits = 0;
+    for (int i = 0; i < 4; ++i) {
+        const uint32_t part = quarters[i];
+        bits |= everyThird(part & part >> 1 & part >> 2) << 8 * i;
+    }
+    return bits;
+}
+
+[[gnu::always_inline]] inline uint32_t folded(const std::array<uint32_t, 4>& flat) {
+    uint32_t bits = 0;
+    for (int i = 0; i < 4; ++i) {
+        uint32_t part = flat[i] & flat[i] >> 1;
+        part &= part >> 2;
+        part &= 0x11111111u;
+        part = (part | part >> 3) & 0x03030303u;
+        part = (part | part >> 6) & 0x000f000fu;
+        bits |= ((part | part >> 12) & 0xffu) << 8 * i;
+    }
+    return bits;
+}
+
+[[gnu::always_inline]] inline uint32_t folded(const std::array<uint32_t, 16>& flat) {
+    uint32_t bits = 0;
+    for (int i = 0; i < 16; ++i) {
+        bits |= uint32_t((flat[i] & 0xffffu) == 0xffffu) << 2 * i;
+        bits |= uint32_t(flat[i] >> 16 == 0xffffu) << (2 * i + 1);
+    }
+    return bits;
+}
+
+// Structured elements as the numbers that they are made of.
+template <typename Test, typename T>
+[[gnu::always_inline]] inline uint32_t fullWordOfComponents(const T* left, const T* right) {
+    std::array<uint32_t, componentsOf<T>> flat;
+    for (std::size_t i = 0; i < flat.size(); ++i) {
+        flat[i] = word<Test>(components(*left) + i * testsPerWord,
+                             components(*right) + i * testsPerWord, testsPerWord);
+    }
+    return folded(flat);
 }
 
 template <typename Test, typename T, typename R>
+[[gnu::always_inline]] inline uint32_t fullWord(const T* left, const R* right) {
+    if constexpr (!std::is_arithmetic_v<T> && std::is_same_v<T, R>) {
+        return fullWordOfComponents<Test>(left, right);
+    } else {
+        return word<Test>(left, right, testsPerWord);
+    }
+}
+
+/// With `flip` all ones the outcomes are the opposite ones.
+template <typename Test, uint32_t flip, typename T, typename R>
 [[gnu::always_inline]] inline void testBlock(const T* left, const R* right, uint32_t count,
                                              uint32_t* words) {
     for (; count >= testsPerWord; count -= testsPerWord) {
-        uint32_t word = 0;
-        for (std::size_t i = 0; i < testsPerWord; ++i) word |= lane<Test>(left[i], right[i], i);
-        *words++ = word;
+        *words++ = fullWord<Test>(left, right) ^ flip;
         left += testsPerWord;
         right += testsPerWord;
     }
     if (count == 0) return;
-    uint32_t word = 0;
-    for (std::size_t i = 0; i < count; ++i) word |= lane<Test>(left[i], right[i], i);
-    *words = word;
+    const uint32_t used = (uint32_t(1) << count) - 1;
+    *words = (word<Test>(left, right, count) ^ flip) & used;
 }
 
-template <typename Test, typename T, typename R>
+template <typename Test, uint32_t flip, typename T, typename R>
 void plainTest(const T* left, const R* right, uint32_t count, uint32_t* words) {
-    testBlock<Test>(left, right, count, words);
+    testBlock<Test, flip>(left, right, count, words);
 }
 
 #if defined(__x86_64__)
-template <typename Test, typename T, typename R>
+template <typename Test, uint32_t flip, typename T, typename R>
 [[gnu::target("avx2")]] void wideTest(const T* left, const R* right, uint32_t count,
                                       uint32_t* words) {
-    testBlock<Test>(left, right, count, words);
+    testBlock<Test, flip>(left, right, count, words);
 }
 bool hasWideInstructions() {
     static const bool answer = __builtin_cpu_supports("avx2");
@@ -140,12 +200,12 @@ bool hasWideInstructions() {
 }
 #endif
 
-template <typename Test, typename T, typename R = T>
+template <typename Test, typename T, typename R = T, uint32_t flip = 0>
 BlockTest<T, R> testOf() {
 #if defined(__x86_64__)
-    if (hasWideInstructions()) return wideTest<Test, T, R>;
+    if (hasWideInstructions()) return wideTest<Test, flip, T, R>;
 #endif
-    return plainTest<Test, T, R>;
+    return plainTest<Test, flip, T, R>;
 }
 
 } // namespace
@@ -154,24 +214,24 @@ template <typename T>
 BlockTest<T> blockTest(Comparison comparison) {
     switch (comparison) {
     case Comparison::equalTo:
-        return testOf<OfAllComponents<Equal>, T>();
+        return testOf<Equal, T>();
     case Comparison::notEqualTo:
-        return testOf<Not<OfAllComponents<Equal>>, T>();
+        return testOf<Equal, T, T, ~uint32_t(0)>();
     case Comparison::lessThan:
-        return testOf<OfAllComponents<Less>, T>();
+        return testOf<Less, T>();
     case Comparison::lessOrEqual:
-        return testOf<OfAllComponents<LessOrEqual>, T>();
+        return testOf<LessOrEqual, T>();
     case Comparison::greaterThan:
-        return testOf<OfAllComponents<Greater>, T>();
+        return testOf<Greater, T>();
     case Comparison::greaterOrEqual:
-        return testOf<OfAllComponents<GreaterOrEqual>, T>();
+        return testOf<GreaterOrEqual, T>();
     }
     return nullptr;
 }
 
 template <typename T>
 BlockTest<T, float> zeroTest() {
-    return testOf<OfAllComponents<Zero>, T, float>();
+    return testOf<Zero, T, float>();
 }
 
 template BlockTest<int32_t> blockTest<int32_t>(Comparison);

@@ -2,7 +2,6 @@
 // Testing and filtering whole arrays: what the filters of conditions share.
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "core/bit_array.h"
@@ -48,23 +47,42 @@ void testAll(const T* elements, uint32_t count, RightSide<R>& right, BlockTest<T
                  });
 }
 
-/// When the result is read as well, nothing is moved before everything was tested.
+/// Moves nothing before everything was tested.
 template <typename T>
-void filterRead(const weft::Numeric& values, RightSide<T>& right, BlockTest<T> test,
-                const FilterTargets& targets, const weft::NetworkManager& manager) {
+void filterInSteps(const weft::Numeric& values, RightSide<T>& right, BlockTest<T> test,
+                   const FilterTargets& targets, const weft::NetworkManager& manager) {
     const uint32_t count = elementCount<T>(values);
     std::vector<uint32_t> own(targets.mask ? 0 : wordsFor(count));
     uint32_t* const words = targets.mask ? targets.mask->wordData() : own.data();
     testAll(values.values<T>().data(), count, right, test, words, manager);
-    if (targets.result != &values) {
-        KeptElements<T> kept(*targets.result, count);
-        return kept.add(values.values<T>().data(), count, words);
-    }
     Array<T>& array = targets.result->refValues<T>();
-    const T* end =
-        pack(array.data(), count, words, targets.keepsFailing ? ~uint32_t(0) : 0, array.data());
-    array.resize(static_cast<uint32_t>(end - array.data()));
+    if (targets.result == &values) {
+        const uint32_t flip = targets.keepsFailing ? ~uint32_t(0) : 0;
+        const T* end = pack(array.data(), count, words, flip, array.data());
+        array.resize(static_cast<uint32_t>(end - array.data()));
+    } else {
+        array.resize(isPackedAtOnce<T> ? count : countKept(words, count));
+        const T* end = pack(values.values<T>().data(), count, words, 0, array.data());
+        array.resize(static_cast<uint32_t>(end - array.data()));
+    }
     targets.result->updateSize();
+}
+
+/// Each block is tested and moved while it is at hand.
+template <typename T>
+void filterByBlocks(const weft::Numeric& values, RightSide<T>& right, BlockTest<T> test,
+                    const FilterTargets& targets, const weft::NetworkManager& manager) {
+    const uint32_t count = elementCount<T>(values);
+    const T* const elements = values.values<T>().data();
+    uint32_t* const mask = targets.mask ? targets.mask->wordData() : nullptr;
+    KeptElements<T> kept(*targets.result, count);
+    WorkMeter meter(manager);
+    testInBlocks(elements, count, right, test,
+                 [&](uint32_t first, uint32_t length, const uint32_t* words) {
+                     if (mask) std::copy_n(words, wordsFor(length), mask + first / testsPerWord);
+                     kept.add(elements + first, length, words);
+                     meter.add(length);
+                 });
 }
 
 /// Tests every element of `values` and writes the outcomes and the elements that hold to `targets`.
@@ -73,20 +91,15 @@ void filterElements(const weft::Numeric& values, RightSide<T>& right, BlockTest<
                     const FilterTargets& targets, const weft::NetworkManager& manager) {
     const uint32_t count = elementCount<T>(values);
     if (targets.mask) targets.mask->resize(count, false);
-    if (targets.result && targets.isResultRead) {
-        return filterRead(values, right, test, targets, manager);
+    if (!targets.result) {
+        if (!targets.mask) return;
+        const T* elements = values.values<T>().data();
+        return testAll(elements, count, right, test, targets.mask->wordData(), manager);
     }
-    const T* const elements = values.values<T>().data();
-    uint32_t* const mask = targets.mask ? targets.mask->wordData() : nullptr;
-    std::optional<KeptElements<T>> kept;
-    if (targets.result) kept.emplace(*targets.result, count);
-    WorkMeter meter(manager);
-    testInBlocks(elements, count, right, test,
-                 [&](uint32_t first, uint32_t length, const uint32_t* words) {
-                     if (mask) std::copy_n(words, wordsFor(length), mask + first / testsPerWord);
-                     if (kept) kept->add(elements + first, length, words);
-                     meter.add(length);
-                 });
+    if constexpr (isPackedAtOnce<T>) {
+        if (!targets.isResultRead) return filterByBlocks(values, right, test, targets, manager);
+    }
+    filterInSteps(values, right, test, targets, manager);
 }
 
 } // namespace tidemark::sluice::graph

@@ -13,11 +13,15 @@ namespace tidemark::sluice::graph {
 constexpr int fewBits = 5;
 
 /// Writes the elements of `block` whose bit of `word` is set to `out` and answers the end of what
-/// was written. Up to `count` elements there may be overwritten. `out` may be `block` or lie before
-/// it in the same array.
+/// was written. Of elements up to 8 bytes, `count` may be overwritten there. `out` may be `block`
+/// or lie before it in the same array.
 template <typename T>
 T* packWord(const T* block, uint32_t count, uint32_t word, T* out) {
     if (word == 0) return out;
+    if (word == ~uint32_t(0)) {
+        for (uint32_t i = 0; i < testsPerWord; ++i) *out++ = block[i];
+        return out;
+    }
     if (sizeof(T) > sizeof(uint64_t) || std::popcount(word) < fewBits) {
         for (; word != 0; word &= word - 1) *out++ = block[std::countr_zero(word)];
         return out;
@@ -60,24 +64,35 @@ T* pack(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T*
     }
 }
 
+/// How many of the bits of `words` are set; those beyond `count` count for nothing.
+inline uint32_t countKept(const uint32_t* words, uint32_t count) {
+    uint32_t kept = 0;
+    for (uint32_t i = 0; i < count / testsPerWord; ++i) kept += std::popcount(words[i]);
+    const uint32_t rest = count % testsPerWord;
+    if (rest > 0) kept += std::popcount(words[count / testsPerWord] & ((uint32_t(1) << rest) - 1));
+    return kept;
+}
+
+/// Whether an array of `T` may be filled without knowing before how many elements are kept.
+template <typename T>
+constexpr bool isPackedAtOnce = std::is_trivially_copyable_v<T>;
+
 /// The elements of type `T` of a number while it is filled with what is kept. At the end, by an
 /// exception too, the number has just these.
 template <typename T>
 class KeptElements {
 public:
+    static_assert(isPackedAtOnce<T>);
+
     /// Empties `target` and makes room for `most` elements.
     KeptElements(weft::Numeric& target, uint32_t most)
         : target_(target), array_(target.refValues<T>()) {
         array_.clear();
-        if constexpr (isRaw) {
-            array_.resizeForOverwrite(most);
-            end_ = array_.data();
-        } else {
-            array_.reserve(most);
-        }
+        array_.resizeForOverwrite(most);
+        end_ = array_.data();
     }
     ~KeptElements() {
-        if constexpr (isRaw) array_.resize(static_cast<uint32_t>(end_ - array_.data()));
+        array_.resize(static_cast<uint32_t>(end_ - array_.data()));
         target_.updateSize();
     }
     KeptElements(const KeptElements&) = delete;
@@ -85,20 +100,10 @@ public:
 
     /// `block` is no part of the target.
     void add(const T* block, uint32_t count, const uint32_t* words) {
-        if constexpr (isRaw) {
-            end_ = pack(block, count, words, 0, end_);
-        } else {
-            for (uint32_t first = 0; first < count; first += testsPerWord) {
-                for (uint32_t word = *words++; word != 0; word &= word - 1) {
-                    array_.append(block[first + static_cast<uint32_t>(std::countr_zero(word))]);
-                }
-            }
-        }
+        end_ = pack(block, count, words, 0, end_);
     }
 
 private:
-    static constexpr bool isRaw = std::is_trivially_copyable_v<T>;
-
     weft::Numeric& target_;
     Array<T>& array_;
     T* end_ = nullptr;
