@@ -55,9 +55,7 @@ inline float linearlyBetween(float first, float second, float way) {
 /// The same, kept between the two. Not-a-number stays.
 inline float heldBetween(float first, float second, float way) {
     const float number = linearlyBetween(first, second, way);
-    const float low = std::min(first, second);
-    const float high = std::max(first, second);
-    return number < low ? low : high < number ? high : number;
+    return std::min(std::max(number, std::min(first, second)), std::max(first, second));
 }
 
 /// A cubic polynomial per segment. The tangent at point k is

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <type_traits>
+#include <utility>
 
 #include "core/types.h"
 
@@ -30,15 +31,30 @@ Component<T>* componentsOf(T& element) {
     return reinterpret_cast<Component<T>*>(&element);
 }
 
+/// Calls `visit(k)` for the index `k` of every component, as a constant: what is kept per component
+/// then needs no memory.
+template <typename T, typename Visit>
+[[gnu::always_inline]] inline void eachComponent(Visit visit) {
+    [&]<std::size_t... k>(std::index_sequence<k...>) {
+        (visit(std::integral_constant<std::size_t, k>()), ...);
+    }
+    (std::make_index_sequence<componentCount<T>>());
+}
+
 /// The element whose components are `function` of those of `first` and `others`.
 template <typename T, typename Function, typename... Others>
-T combineComponents(Function function, const T& first, const Others&... others) {
+[[gnu::always_inline]] inline T combineComponents(Function function, const T& first,
+                                                  const Others&... others) {
     static_assert((std::is_same_v<T, Others> && ...));
-    T result(first);
-    for (std::size_t k = 0; k < componentCount<T>; ++k) {
-        componentsOf(result)[k] = function(componentsOf(first)[k], componentsOf(others)[k]...);
+    if constexpr (std::is_arithmetic_v<T>) {
+        return function(first, others...);
+    } else {
+        T result(first);
+        eachComponent<T>([&](auto k) {
+            componentsOf(result)[k] = function(componentsOf(first)[k], componentsOf(others)[k]...);
+        });
+        return result;
     }
-    return result;
 }
 
 /// The element with `number` in every component.

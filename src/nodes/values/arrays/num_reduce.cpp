@@ -36,11 +36,12 @@ template <typename T>
 T sumOf(const weft::Node& node, std::span<const T> elements) {
     T sum = filledElement<T>(0);
     forEachStretch(node, static_cast<uint32_t>(elements.size()), [&](uint32_t first, uint32_t end) {
-        T stretchSum = sum;
-        for (uint32_t i = first; i < end; ++i) {
-            stretchSum = combineComponents(added<Component<T>>, stretchSum, elements[i]);
+        Component<T> sums[componentCount<T>];
+        eachComponent<T>([&](auto k) { sums[k] = componentsOf(sum)[k]; });
+        for (const T& element : elements.subspan(first, end - first)) {
+            eachComponent<T>([&](auto k) { sums[k] = added(sums[k], componentsOf(element)[k]); });
         }
-        sum = stretchSum;
+        eachComponent<T>([&](auto k) { componentsOf(sum)[k] = sums[k]; });
     });
     return sum;
 }
