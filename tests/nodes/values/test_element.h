@@ -37,7 +37,8 @@ public:
         : PointerAttribute(manager, name, parent, new weft::PointerValue<Probe>(manager),
                            weft::PointerValue<Probe>::kind) {
         appendClass<"ProbeAttribute">();
-        initializeSpecializations({"Probe"});
+        // Of a name that ports of any type know.
+        initializeSpecializations({"Mesh"});
     }
 };
 

@@ -102,6 +102,7 @@ void CommonStorage::insert(const TM_String& element, GlobalHolder* holder, bool 
         }
         if (!fromKernel && !retired_.empty()) {
             retired_.insert(retired_.end(), unused.begin(), unused.end());
+            unused.clear();
             unused.swap(retired_);
         }
     }

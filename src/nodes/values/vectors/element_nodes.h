@@ -110,10 +110,9 @@ public:
 
 protected:
     FormulaNode(weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
-                double nanoseconds, const InputRow<std::remove_cvref_t<A>>&... inputs,
-                const OutputRow& output)
+                const InputRow<std::remove_cvref_t<A>>&... inputs, const OutputRow& output)
         : ElementNode(manager, name, parent),
-          nanoseconds_(nanoseconds), inputs_{addNumbers(inputs)...} {
+          nanoseconds_(output.nanoseconds), inputs_{addNumbers(inputs)...} {
         if constexpr (givesBits) {
             output_ = addOutput<weft::BitArrayAttribute>(output.name, output.help);
         } else {

@@ -47,6 +47,16 @@ public:
         pin("C.Set.store copy")->setBitValue(storesCopy_);
         link(source, "C.Set.in");
     }
+    /// "shared", or what `name` says, computed anew for every element.
+    void addChangingName(const TM_String& name, const TM_String& pinName) {
+        Node* compound = node("C");
+        add("IntegerToString", "Digits", compound);
+        add("StringReplace", "Name", compound);
+        pin("C.Name.string")->setStringValue(name);
+        link("C.K.index", "C.Digits.integer");
+        link("C.Digits.string", "C.Name.before");
+        link("C.Name.result", pinName);
+    }
 
 private:
     bool storesCopy_ = true;
@@ -56,6 +66,7 @@ TEST_F(GlobalThreads, NumbersAreAlwaysOnesThatWereSet) {
     for (const bool copy : {true, false}) {
         SharingKernel net(copy);
         net.addVariable("Num", "C.K.index");
+        net.addChangingName("shared", "C.Get.name");
         Node* compound = net.node("C");
         net.add("NumDemux", "Type", compound);
         net.add("Note", "Seen", compound);
@@ -103,13 +114,14 @@ TEST_F(GlobalThreads, WhatIsReadCanLeaveTheKernel) {
         net.link("C.Get.out", "C.IO.y");
         sluice_tests::LogicNet other;
         other.add("SetNumGlobalVariable", "s");
-        other.type("s.in", "Real");
+        other.add("Real", "r");
+        other.link("r.real", "s.in");
         other.strings("s.name", {"shared"});
-        other.numbers<float>("s.in", {7, 8});
+        other.numbers<float>("r.in", {7, 8});
         other.refresh("s.through");
         net.scene.run();
         EXPECT_EQ(net.reals("E.evaluate"), (Reals{7, 8})) << threads;
-        other.numbers<float>("s.in", {9});
+        other.numbers<float>("r.in", {9});
         other.refresh("s.through");
         net.scene.run();
         EXPECT_EQ(net.reals("E.evaluate"), (Reals{9})) << threads;
@@ -131,7 +143,7 @@ TEST_F(GlobalThreads, CopiedObjectsOfReplacedVariablesWaitForTheEnd) {
         SharingKernel net(true);
         Node* compound = net.node("C");
         net.add("GetProbeGlobalVariable", "Source", compound);
-        net.pin("C.Source.name")->setStringValue("source");
+        net.addChangingName("source", "C.Source.name");
         net.addVariable("Probe", "C.Source.out");
         net.add("ArraySize", "Size", compound);
         net.link("C.Set.through", "C.Size.array");
