@@ -8,6 +8,9 @@
 #if SLUICE_BENCH_EIGEN
 #include <Eigen/Core>
 #endif
+#if SLUICE_BENCH_MUPARSER
+#include <muParser.h>
+#endif
 
 #include "core/bit_array.h"
 #include "core/numeric.h"
@@ -17,6 +20,7 @@
 #include "graph/node_factory.h"
 #include "graph/scene_manager.h"
 #include "nodes/values/arrays/element_sets.h"
+#include "platform/curve.h"
 
 namespace {
 
@@ -392,5 +396,48 @@ void countBits(State& state) {
     bytes(state, hundredMillion / 8.0);
 }
 BENCHMARK(countBits)->Name("values/bitCount");
+
+// Curves.
+
+void curveEval(State& state, const char* expression) {
+    tidemark::ANIFloatBase curve;
+    std::mt19937 random(12);
+    for (int i = 0; i < 1000; ++i) {
+        const auto type = static_cast<tidemark::tm_spline::interpolationType>(random() % 4);
+        curve.refSpline().addPoint({i * 0.1, static_cast<double>(random() % 100), type});
+    }
+    if (*expression && !curve.setExpression(expression)) return state.SkipWithError("refused");
+    ValueNode node("CurveEval");
+    static_cast<weft::PointerAttribute&>(node.pin("curve")).ownPointers().setValue(&curve);
+    node.reals("time", million, 0.0f, 100.0f);
+    node.measure(state, "time", "result");
+    state.counters["per_time"] =
+        benchmark::Counter(double(million) * static_cast<double>(state.iterations()),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+constexpr const char* curveExpression = "sin(t) * 2 + frame / 30";
+BENCHMARK_CAPTURE(curveEval, keys, "")->Name("values/curveEval");
+BENCHMARK_CAPTURE(curveEval, expression, curveExpression)->Name("values/curveEvalExpression");
+
+#if SLUICE_BENCH_MUPARSER
+void muParserAlone(State& state) {
+    mu::Parser parser;
+    double time = 0.0;
+    double frame = 0.0;
+    parser.DefineVar("t", &time);
+    parser.DefineVar("frame", &frame);
+    parser.SetExpr(curveExpression);
+    std::vector<float> results(million);
+    for (auto _ : state) {
+        for (uint32_t i = 0; i < million; ++i) {
+            time = i * 1e-4;
+            frame = time * 30.0;
+            results[i] = static_cast<float>(parser.Eval());
+        }
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(muParserAlone)->Name("values/muParserAlone");
+#endif
 
 } // namespace
