@@ -3,6 +3,7 @@
 // order, but it is always one that somebody set.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <thread>
 
 #include "nodes/control/kernel_scene.h"
@@ -161,13 +162,14 @@ TEST_F(GlobalThreads, CopiedObjectsOfReplacedVariablesWaitForTheEnd) {
 
 // Without a kernel: graphs on threads of their own that exchange copies.
 TEST_F(GlobalThreads, GraphsOnThreadsOfTheirOwnExchangeCopies) {
-    const auto work = [](float number) {
-        sluice_tests::LogicNet net;
+    const auto prepare = [](sluice_tests::LogicNet& net) {
         net.add("SetNumGlobalVariable", "s");
         net.add("GetNumGlobalVariable", "g");
         net.type("s.in", "Real");
         net.strings("s.name", {"shared"});
         net.strings("g.name", {"shared"});
+    };
+    const auto work = [](sluice_tests::LogicNet& net, float number) {
         for (int i = 0; i < 300; ++i) {
             net.numbers<float>("s.in", {number, number, number});
             net.refresh("s.out copy");
@@ -176,8 +178,13 @@ TEST_F(GlobalThreads, GraphsOnThreadsOfTheirOwnExchangeCopies) {
             ASSERT_TRUE(read == "[3] 1,1,1" || read == "[3] 2,2,2") << read;
         }
     };
-    std::thread first(work, 1.0f);
-    std::thread second(work, 2.0f);
+    // Scenes come and go on one thread: each takes the process's callbacks off for a moment.
+    sluice_tests::LogicNet one;
+    sluice_tests::LogicNet two;
+    prepare(one);
+    prepare(two);
+    std::thread first(work, std::ref(one), 1.0f);
+    std::thread second(work, std::ref(two), 2.0f);
     first.join();
     second.join();
 }
