@@ -57,7 +57,8 @@ void removePointers(const NetworkManager* network, const Array<void*>& pointers,
         auto* const attribute = dynamic_cast<Attr*>(&object);
         if (attribute && attribute->value()) attribute->removeReferencesTo(pointers);
     };
-    // It may be no registered scene's, or no longer. One that is thrown away takes its values along.
+    // It may be no registered scene's, or no longer. One that is thrown away takes its values
+    // along.
     if (network && !network->isTearingDown()) {
         for (const auto entry : network->objects()) remove(*entry.value);
     }
