@@ -20,6 +20,7 @@
 #include "graph/node_factory.h"
 #include "graph/scene_manager.h"
 #include "nodes/values/arrays/element_sets.h"
+#include "nodes/values/element_loop.h"
 #include "platform/curve.h"
 
 namespace {
@@ -182,6 +183,19 @@ BENCHMARK_CAPTURE(unaryNode, threads, "Sin", -100.0f, 100.0f)
     ->Arg(1)
     ->Arg(2)
     ->UseRealTime();
+
+// From how many elements on a second thread pays: the break-even behind `worthThreadNanoseconds`.
+void smallSin(State& state) {
+    ValueNode node("Sin", static_cast<int>(state.range(0)));
+    node.reals("in", static_cast<uint32_t>(state.range(1)), -100.0f, 100.0f);
+    graph::setThreadForEveryRecord(true);
+    node.measure(state, "in", "result");
+    graph::setThreadForEveryRecord(false);
+}
+BENCHMARK(smallSin)
+    ->Name("threads/smallSin")
+    ->UseRealTime()
+    ->ArgsProduct({{1, 2}, {30'000, 100'000, 200'000, 400'000}});
 
 void powNode(State& state) {
     ValueNode node("Pow", static_cast<int>(state.range(0)));

@@ -22,7 +22,10 @@ constexpr double pieceNanoseconds = 4'000'000;
 
 void runRecord(const weft::NetworkManager& manager, const ElementRecord& record, double nanoseconds,
                ElementWork& work) {
-    const double most = std::clamp(pieceNanoseconds / std::max(nanoseconds, 0.01), 256.0, 1e8);
+    // However little an element is said to cost: some inputs cost a hundred times as much.
+    constexpr double longestPiece = 1 << 16;
+    const double most =
+        std::clamp(pieceNanoseconds / std::max(nanoseconds, 0.01), 256.0, longestPiece);
     const auto piece = static_cast<uint32_t>(most);
     uint32_t first = record.first;
     for (uint32_t left = record.count; left > 0;) {
@@ -131,6 +134,7 @@ std::vector<ElementRecord> rangeRecords(uint32_t first, uint32_t last, int threa
     const uint32_t count = last - first + 1;
     const auto workers = static_cast<uint32_t>(std::max(threads, 1));
     const uint32_t chunk = count / workers;
+    if (chunk == 0) return {{first, count, workers - 1}};
     std::vector<ElementRecord> records;
     for (uint32_t i = 0; i < workers; ++i) records.push_back({first + i * chunk, chunk, i});
     records.back().count += count % workers;

@@ -33,13 +33,13 @@ struct ElementRecord {
 SLUICE_API std::vector<std::vector<ElementRecord>> elementWaves(uint32_t count, int threads);
 
 /// The records of the elements `first` to `last` inclusive in one wave: `count / threads` each,
-/// and the rest with the last thread. Records may be empty. For loops whose threads must know from
-/// the start what all of them will do.
+/// and the rest with the last thread; records without elements are left out. For loops whose
+/// threads must know from the start what all of them will do.
 SLUICE_API std::vector<ElementRecord> rangeRecords(uint32_t first, uint32_t last, int threads);
 
-/// Making, starting and joining a thread costs some 20 microseconds; below this much work a record
-/// is run on the calling thread instead, in its place in the order. Measured by
-/// `bench/elements_bench.cpp`.
+/// Making, starting and joining a thread costs 20 to 50 microseconds; below this much work a record
+/// is run on the calling thread instead, in its place in the order. The break-even is measured by
+/// `threads/smallSin` in bench/values_bench.cpp.
 constexpr double worthThreadNanoseconds = 60'000;
 
 /// True: every record gets its thread, however small. For tests.

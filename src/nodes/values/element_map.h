@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// A function applied to every element of numeric arrays, on threads:
+// A function applied to every element of numeric arrays, on threads; a shorter array repeats its
+// last element:
 //
-//     // result[i] = vector[i] * factor[i]; a shorter array repeats its last element.
-//     mapNumbers<Vector3<float>>(*this, 1.5, result, [](Vector3<float> v, float f) { return v * f;
-//     },
+//     const auto scale = [](const Vector3<float>& v, float f) { return v * f; };
+//     mapNumbers<Vector3<float>>(*this, 1.5, result, scale,
 //                                elementsOf<Vector3<float>>(vector), elementsOf<float>(factor));
 //
 // The function sees plain values and must not touch the network: everything was pulled before.
@@ -165,8 +165,16 @@ void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Writ
             array = std::move(made);
         }
     } else {
+        const bool isInPlace = ((static_cast<const void*>(in.data()) == written) || ...);
         sizeForWriting(array, count);
-        compute(array.data());
+        try {
+            compute(array.data());
+        } catch (...) {
+            // Nobody is to read what was not computed.
+            if (!isInPlace) array.clear();
+            result.setSize(array.size());
+            throw;
+        }
     }
     result.setSize(count);
 }

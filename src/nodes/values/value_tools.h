@@ -2,6 +2,8 @@
 // What the nodes over values share: declaring polymorphic pins, reading types and needs, polling.
 #pragma once
 
+#include <type_traits>
+
 #include "core/network_manager.h"
 #include "core/numeric.h"
 
@@ -48,5 +50,27 @@ private:
     const weft::NetworkManager& manager_;
     uint64_t done_ = 0;
 };
+
+/// Calls `work(first, end)` for consecutive stretches of `count` elements, and answers interrupts
+/// in between.
+template <typename Work>
+void inPieces(uint64_t count, WorkMeter& meter, Work work) {
+    constexpr uint64_t piece = uint64_t(1) << 16;
+    for (uint64_t first = 0; first < count; first += piece) {
+        const uint64_t end = count - first < piece ? count : first + piece;
+        work(first, end);
+        meter.add(end - first);
+    }
+}
+
+/// What looking at an element costs beside a small constant, in the meter's units.
+template <typename T>
+uint64_t workOf(const T& element) {
+    if constexpr (std::is_same_v<T, TM_String>) {
+        return element.size();
+    } else {
+        return sizeof(T) / 16;
+    }
+}
 
 } // namespace tidemark::sluice::graph

@@ -28,9 +28,12 @@ uint32_t bitsAt(const uint32_t* words, uint64_t first, uint64_t end) {
 // New bits, written from the front to the back.
 class BitWriter {
 public:
-    explicit BitWriter(uint64_t count) : words_((count + bitsPerWord - 1) / bitsPerWord) {
+    explicit BitWriter(uint64_t count) {
         constexpr uint64_t most = 0x7fffffff;
         if (count > most) throw std::bad_alloc();
+        const uint64_t words = (count + bitsPerWord - 1) / bitsPerWord;
+        limits::checkElements(words, sizeof(uint32_t));
+        words_.resize(words);
     }
 
     /// Appends the bits `first` to `end - 1` of `source`.
@@ -99,16 +102,12 @@ void ArraySlice<BitArrayAttribute>::update(weft::Attribute*) {
     const BitArrayValue& array = array_->bits();
     BitArrayValue* target = outArray_->bitsTarget();
     if (!target) return;
-    const int64_t count = array.size();
-    const int32_t first = firstInteger(first_);
-    const int32_t size = firstInteger(size_);
-    const int64_t wanted = size < 0 ? count - first : size;
-    if (first < 0 || first >= count) return reportInput(first_, first);
-    if (first + wanted - 1 >= count) return reportInput(size_, size);
+    uint64_t first = 0;
+    uint64_t length = 0;
+    if (!findSlice(array.size(), first_, size_, first, length)) return;
     WorkMeter meter(*networkManager());
-    BitWriter writer(static_cast<uint64_t>(wanted));
-    writer.append(array, static_cast<uint64_t>(first), static_cast<uint64_t>(first + wanted),
-                  meter);
+    BitWriter writer(length);
+    writer.append(array, first, first + length, meter);
     writer.moveInto(*target);
     written(outArray_);
 }

@@ -5,12 +5,15 @@
 // share one: their elements are `void*`.
 #pragma once
 
+#include <algorithm>
 #include <initializer_list>
+#include <new>
 #include <span>
 
 #include "core/pointer_value.h"
 #include "core/string_value.h"
 #include "nodes/values/element_map.h"
+#include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
 
@@ -91,24 +94,61 @@ void elementsWritten(weft::StoredValue<T>&) {}
 /// Makes room for `count` elements, against the process limits. What stood there stays; new
 /// elements of trivial types are not set.
 template <typename T>
-void sizeForWriting(Array<T>& array, uint64_t count) {
+void sizeForWriting(Array<T>& array, uint64_t count, WorkMeter& meter) {
     if (count > array.capacity()) {
         constexpr uint64_t most = 0x7fffffff;
         if (count > most) throw std::bad_alloc();
         limits::checkElements(count, sizeof(T));
     }
-    element_map::sizeForWriting(array, static_cast<uint32_t>(count));
+    if constexpr (std::is_trivially_copyable_v<T>) {
+        array.resizeForOverwrite(static_cast<uint32_t>(count));
+    } else {
+        array.reserve(static_cast<uint32_t>(count));
+        const uint64_t old = array.size();
+        if (count < old) array.resize(static_cast<uint32_t>(count));
+        if (count > old) {
+            inPieces(count - old, meter, [&](uint64_t, uint64_t end) {
+                array.resize(static_cast<uint32_t>(old + end));
+            });
+        }
+    }
+}
+
+/// Copies `in` to `out` and answers its end there. `out` may lie in front of `in` in one array.
+template <typename T>
+T* copyElements(std::span<const T> in, T* out, WorkMeter& meter) {
+    inPieces(in.size(), meter, [&](uint64_t first, uint64_t end) {
+        for (uint64_t i = first; i < end; ++i) {
+            out[i] = in[i];
+            if constexpr (std::is_same_v<T, TM_String>) meter.add(workOf(in[i]));
+        }
+    });
+    return out + in.size();
+}
+
+template <typename T>
+void fillElements(T* begin, T* end, const T& element, WorkMeter& meter) {
+    inPieces(static_cast<uint64_t>(end - begin), meter, [&](uint64_t first, uint64_t last) {
+        std::fill(begin + first, begin + last, element);
+    });
 }
 
 /// Lets `write` fill the array of `target`: its own array, or a fresh one that then takes the own
-/// one's place when `target` is among the values that `write` reads.
+/// one's place when `target` is among the values that `write` reads. What `write` leaves by an
+/// exception holds no elements.
 template <typename T, typename Value, typename Write>
 void writeElements(Value& target, std::initializer_list<const weft::Value*> read, Write write) {
     Array<T>& own = refElements<T>(target);
     bool isRead = false;
     for (const weft::Value* value : read) isRead = isRead || value == &target;
     if (!isRead) {
-        write(own);
+        try {
+            write(own);
+        } catch (...) {
+            own.clear();
+            elementsWritten<T>(target);
+            throw;
+        }
     } else {
         Array<T> made;
         write(made);

@@ -8,74 +8,10 @@
 #include <new>
 
 #include "nodes/values/arrays/array_nodes.h"
-#include "nodes/values/arrays/element_sets.h"
+#include "nodes/values/arrays/array_search_impl.h"
+#include "nodes/values/arrays/array_selection.h"
 
 namespace tidemark::sluice::graph {
-
-namespace array_nodes {
-
-constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
-constexpr uint32_t allBits = ~uint32_t(0);
-
-/// Copies the elements of `in` whose bit of `words` is set to `out`, in order. There is room for
-/// all of them; `out` may be `in`.
-template <typename T>
-void keep(const T* in, uint32_t count, const uint32_t* words, T* out, WorkMeter& meter) {
-    for (uint32_t first = 0; first < count; first += bitsPerWord) {
-        uint32_t word = words[first / bitsPerWord];
-        const uint32_t left = count - first;
-        if (left < bitsPerWord) word &= (uint32_t(1) << left) - 1;
-        if (word == allBits) {
-            out = std::copy_n(in + first, bitsPerWord, out);
-        } else {
-            for (; word != 0; word &= word - 1) *out++ = in[first + std::countr_zero(word)];
-        }
-        meter.add(bitsPerWord);
-    }
-}
-
-/// How many of the first `count` bits are set.
-inline uint32_t countBits(const uint32_t* words, uint32_t count) {
-    uint32_t set = 0;
-    for (uint32_t i = 0; i < count / bitsPerWord; ++i) set += std::popcount(words[i]);
-    const uint32_t rest = count % bitsPerWord;
-    if (rest > 0) set += std::popcount(words[count / bitsPerWord] & ((uint32_t(1) << rest) - 1));
-    return set;
-}
-
-/// A bit for each element, all set.
-inline Array<uint32_t> allKept(std::size_t count) {
-    Array<uint32_t> words;
-    words.resize(static_cast<uint32_t>((count + bitsPerWord - 1) / bitsPerWord), allBits);
-    return words;
-}
-
-inline void drop(Array<uint32_t>& kept, uint32_t position) {
-    kept[position / bitsPerWord] &= ~(uint32_t(1) << position % bitsPerWord);
-}
-
-/// Leaves in `out` the elements of `in` that are kept.
-template <typename T>
-void writeKept(std::span<const T> in, const uint32_t* kept, Array<T>& out, WorkMeter& meter) {
-    const auto count = static_cast<uint32_t>(in.size());
-    sizeForWriting(out, countBits(kept, count));
-    keep(in.data(), count, kept, out.data(), meter);
-}
-
-inline void writeMask(BitArrayAttribute& pin, const Array<uint32_t>& words, uint32_t count) {
-    weft::BitArrayValue* bits = pin.bitsTarget();
-    if (!bits) return;
-    bits->resize(count, false);
-    std::copy(words.begin(), words.end(), bits->wordData());
-}
-
-/// The elements between two positions, if there are any.
-template <typename T>
-T* copyStretch(std::span<const T> in, T* out) {
-    return std::copy(in.begin(), in.end(), out);
-}
-
-} // namespace array_nodes
 
 // Elements by index.
 
@@ -106,15 +42,18 @@ void GetArrayElement<Port>::update(weft::Attribute*) {
         const std::span<const T> from = elementsOf<T>(array);
         writeElements<T>(*target, {&array}, [&](Array<T>& out) {
             if (out.capacity() < index.size()) limits::checkElements(index.size(), sizeof(T));
+            // What is not set keeps what the output held, also when that is the array itself.
+            if (&array == target) out = refElements<T>(*target);
             out.resize(static_cast<uint32_t>(index.size()));
             for (uint32_t i = 0; i < out.size(); ++i) {
                 const auto position = static_cast<uint32_t>(index[i]);
                 if (position < from.size()) {
                     out[i] = from[position];
+                    meter.add(workOf(out[i]));
                 } else {
                     this->reportIndex(index[i]);
+                    meter.add(1);
                 }
-                meter.add(0);
             }
         });
     });
@@ -155,7 +94,13 @@ void SetArrayElement<Port>::update(weft::Attribute*) {
             kept = refElements<T>(*target);
             elements = {kept.data(), kept.size()};
         }
-        if (&array != target) target->copyFrom(&array);
+        if (&array != target) {
+            const std::span<const T> from = elementsOf<T>(array);
+            writeElements<T>(*target, {}, [&](Array<T>& out) {
+                sizeForWriting(out, from.size(), meter);
+                copyElements(from, out.data(), meter);
+            });
+        }
         checkSizes(index.size(), elements.size());
         Array<T>& out = refElements<T>(*target);
         const std::size_t pairs = std::min(index.size(), elements.size());
@@ -163,10 +108,11 @@ void SetArrayElement<Port>::update(weft::Attribute*) {
             const auto position = static_cast<uint32_t>(index[i]);
             if (position < out.size()) {
                 out[position] = elements[i];
+                meter.add(workOf(elements[i]));
             } else {
                 this->reportIndex(index[i]);
+                meter.add(1);
             }
-            meter.add(0);
         }
     });
     this->written(outArray_);
@@ -260,16 +206,16 @@ void ArrayMix<Port>::update(weft::Attribute*) {
                                            orNeutral(elementsOf<T>(array1))};
         const auto both = static_cast<uint32_t>(std::min(from[0].size(), from[1].size()));
         writeElements<T>(*target, {&array0, &array1}, [&](Array<T>& out) {
-            sizeForWriting(out, mask.size());
+            sizeForWriting(out, mask.size(), meter);
             const uint32_t inside = std::min(both, mask.size());
             for (uint32_t i = 0; i < inside; ++i) {
                 out[i] = from[mask.testBit(i)][i];
-                meter.add(0);
+                meter.add(workOf(out[i]));
             }
             for (uint32_t i = inside; i < mask.size(); ++i) {
                 const std::span<const T>& side = from[mask.testBit(i)];
                 out[i] = side[std::min<std::size_t>(i, side.size() - 1)];
-                meter.add(0);
+                meter.add(workOf(out[i]));
             }
         });
     });
@@ -304,12 +250,13 @@ void ArrayConstant<Port>::update(weft::Attribute*) {
         this->pushError("Input size is lower than 0");
         return;
     }
+    WorkMeter meter(*this->networkManager());
     withElementsOf(constant, [&]<typename T>() {
         const std::span<const T> elements = elementsOf<T>(constant);
         const T element = elements.empty() ? ElementDefault<T>::value() : elements[0];
         writeElements<T>(*target, {&constant}, [&](Array<T>& out) {
-            sizeForWriting(out, static_cast<uint32_t>(size));
-            std::fill(out.begin(), out.end(), element);
+            sizeForWriting(out, static_cast<uint32_t>(size), meter);
+            fillElements(out.begin(), out.end(), element, meter);
         });
     });
     this->written(outArray_);
@@ -341,14 +288,15 @@ void ArrayResize<Port>::update(weft::Attribute*) {
         this->pushError("Input size is lower than 0");
         return;
     }
+    WorkMeter meter(*this->networkManager());
     withElementsOf(array, [&]<typename T>() {
         const std::span<const T> from = elementsOf<T>(array);
         const auto count = static_cast<std::size_t>(size);
         writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            sizeForWriting(out, count);
-            T* end = array_nodes::copyStretch(from.first(std::min(from.size(), count)), out.data());
-            std::fill(end, out.data() + count,
-                      from.empty() ? ElementDefault<T>::value() : from.back());
+            sizeForWriting(out, count, meter);
+            T* end = copyElements(from.first(std::min(from.size(), count)), out.data(), meter);
+            fillElements(end, out.data() + count,
+                         from.empty() ? ElementDefault<T>::value() : from.back(), meter);
         });
     });
     this->written(outArray_);
@@ -384,19 +332,17 @@ void ArraySlice<Port>::update(weft::Attribute*) {
     const auto& array = this->read(array_);
     auto* target = this->target(outArray_);
     if (!target) return;
-    const int32_t first = this->firstInteger(first_);
-    const int32_t size = this->firstInteger(size_);
+    WorkMeter meter(*this->networkManager());
     withElementsOf(array, [&]<typename T>() {
         const std::span<const T> from = elementsOf<T>(array);
-        const auto count = static_cast<int64_t>(from.size());
-        const int64_t wanted = size < 0 ? count - first : size;
-        if (first < 0 || first >= count) return this->reportInput(first_, first);
-        if (first + wanted - 1 >= count) return this->reportInput(size_, size);
-        const auto slice =
-            from.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(wanted));
+        uint64_t first = 0;
+        uint64_t length = 0;
+        if (!this->findSlice(static_cast<int64_t>(from.size()), first_, size_, first, length)) {
+            return;
+        }
         writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            sizeForWriting(out, slice.size());
-            array_nodes::copyStretch(slice, out.data());
+            sizeForWriting(out, length, meter);
+            copyElements(from.subspan(first, length), out.data(), meter);
         });
         this->written(outArray_);
     });
@@ -422,17 +368,18 @@ namespace array_nodes {
 
 /// Writes `added` into `array` before `position`.
 template <typename Value>
-void insert(const Value& array, const Value& added, int64_t position, Value& target) {
+void insert(const Value& array, const Value& added, int64_t position, Value& target,
+            WorkMeter meter) {
     withElementsOf(array, [&]<typename T>() {
         const std::span<const T> old = elementsOf<T>(array);
         const std::span<const T> more = elementsOf<T>(added);
         const auto at = static_cast<std::size_t>(
             std::clamp(position, int64_t(0), static_cast<int64_t>(old.size())));
         writeElements<T>(target, {&array, &added}, [&](Array<T>& out) {
-            sizeForWriting(out, uint64_t(old.size()) + more.size());
-            T* next = copyStretch(old.first(at), out.data());
-            next = copyStretch(more, next);
-            copyStretch(old.subspan(at), next);
+            sizeForWriting(out, uint64_t(old.size()) + more.size(), meter);
+            T* next = copyElements(old.first(at), out.data(), meter);
+            next = copyElements(more, next, meter);
+            copyElements(old.subspan(at), next, meter);
         });
     });
 }
@@ -447,7 +394,8 @@ void ArrayConcat<Port>::update(weft::Attribute*) {
     array1_->pull();
     auto* target = this->target(outArray_);
     if (!target) return;
-    array_nodes::insert(this->read(array0_), this->read(array1_), array_nodes::atEnd, *target);
+    array_nodes::insert(this->read(array0_), this->read(array1_), array_nodes::atEnd, *target,
+                        WorkMeter(*this->networkManager()));
     this->written(outArray_);
 }
 
@@ -478,7 +426,7 @@ void ArrayInsertElement<Port>::update(weft::Attribute*) {
     auto* target = this->target(outArray_);
     if (!target) return;
     array_nodes::insert(this->read(array_), this->read(element_), this->firstInteger(index_),
-                        *target);
+                        *target, WorkMeter(*this->networkManager()));
     this->written(outArray_);
 }
 
@@ -502,7 +450,8 @@ void ArrayPushElement<Port>::update(weft::Attribute*) {
     element_->pull();
     auto* target = this->target(outArray_);
     if (!target) return;
-    array_nodes::insert(this->read(array_), this->read(element_), array_nodes::atEnd, *target);
+    array_nodes::insert(this->read(array_), this->read(element_), array_nodes::atEnd, *target,
+                        WorkMeter(*this->networkManager()));
     this->written(outArray_);
 }
 
@@ -524,266 +473,25 @@ void ArrayReverse<Port>::update(weft::Attribute*) {
     const auto& array = this->read(array_);
     auto* target = this->target(outArray_);
     if (!target) return;
+    WorkMeter meter(*this->networkManager());
     withElementsOf(array, [&]<typename T>() {
+        const std::span<const T> from = elementsOf<T>(array);
+        const std::size_t count = from.size();
         if (&array == target) {
-            Array<T>& own = refElements<T>(*target);
-            std::reverse(own.begin(), own.begin() + elementsOf<T>(array).size());
+            T* const own = refElements<T>(*target).data();
+            inPieces(count / 2, meter, [&](uint64_t first, uint64_t end) {
+                for (uint64_t i = first; i < end; ++i) std::swap(own[i], own[count - 1 - i]);
+            });
             return;
         }
-        const std::span<const T> from = elementsOf<T>(array);
         writeElements<T>(*target, {}, [&](Array<T>& out) {
-            sizeForWriting(out, from.size());
-            std::reverse_copy(from.begin(), from.end(), out.begin());
+            sizeForWriting(out, count, meter);
+            inPieces(count, meter, [&](uint64_t first, uint64_t end) {
+                for (uint64_t i = first; i < end; ++i) out[i] = from[count - 1 - i];
+            });
         });
     });
     this->written(outArray_);
-}
-
-// Searching.
-
-template <typename Port>
-ArrayFindElement<Port>::ArrayFindElement(weft::NetworkManager* manager, const TM_String& name,
-                                         weft::Node* parent,
-                                         typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
-    this->describe("This node returns the first position of appearance of the input 'element' "
-                   "within the input 'array'. If the array does not contain the element, -1 is "
-                   "returned.");
-    array_ = this->addArrayInput("array", "The array to search.");
-    element_ = this->addArrayInput("element", "The value to find in the input array");
-    startIndex_ =
-        this->addIntegerInput("start index", "The first index to search the element from", 0);
-    index_ = this->addIntegerOutput("index", "The position of each value, or -1.");
-    this->setAttributeAffectAllOutputsByAllInputs();
-}
-
-template <typename Port>
-void ArrayFindElement<Port>::update(weft::Attribute*) {
-    array_->pull();
-    element_->pull();
-    startIndex_->pull();
-    const auto& array = this->read(array_);
-    const auto& element = this->read(element_);
-    const std::span<const int32_t> starts = this->integers(startIndex_);
-    WorkMeter meter(*this->networkManager());
-    withElementsOf(array, [&]<typename T>() {
-        const std::span<const T> wanted = elementsOf<T>(element);
-        const ElementFinder<T> finder(elementsOf<T>(array), wanted.size());
-        this->writeIntegers(index_, wanted.size(), [&](uint32_t i) {
-            const int32_t start =
-                starts.empty() ? 0 : starts[std::min<std::size_t>(i, starts.size() - 1)];
-            meter.add(0);
-            return static_cast<int32_t>(finder.find(wanted[i], static_cast<uint32_t>(start)));
-        });
-    });
-}
-
-template <typename Port>
-ArrayFindAllElementIndices<Port>::ArrayFindAllElementIndices(
-    weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
-    typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
-    this->describe("This node returns all positions in the input 'array', which fit to the input "
-                   "'element' values. ");
-    array_ = this->addArrayInput("array", "The array to search.");
-    element_ = this->addArrayInput("element", "The value to find in the input array");
-    index_ = this->addIntegerOutput("index", "The positions, in ascending order.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the array, set where it fits.");
-    this->setAttributeAffectAllOutputsByAllInputs();
-}
-
-namespace array_nodes {
-
-/// A bit for each element, set when it is one of `members`.
-template <typename T>
-Array<uint32_t> membersIn(std::span<const T> elements, std::span<const T> members,
-                          WorkMeter& meter) {
-    const Membership<T> set(members);
-    Array<uint32_t> words;
-    words.resize(static_cast<uint32_t>((elements.size() + bitsPerWord - 1) / bitsPerWord), 0);
-    for (std::size_t i = 0; i < elements.size(); ++i) {
-        words[i / bitsPerWord] |= uint32_t(set.contains(elements[i])) << i % bitsPerWord;
-        meter.add(0);
-    }
-    return words;
-}
-
-} // namespace array_nodes
-
-template <typename Port>
-void ArrayFindAllElementIndices<Port>::update(weft::Attribute* asked) {
-    array_->pull();
-    element_->pull();
-    const auto& array = this->read(array_);
-    const auto& element = this->read(element_);
-    WorkMeter meter(*this->networkManager());
-    withElementsOf(array, [&]<typename T>() {
-        const std::span<const T> from = elementsOf<T>(array);
-        const auto count = static_cast<uint32_t>(from.size());
-        const Array<uint32_t> found = array_nodes::membersIn(from, elementsOf<T>(element), meter);
-        if (isNeeded(*index_, asked)) {
-            uint32_t next = 0;
-            this->writeIntegers(index_, array_nodes::countBits(found.data(), count), [&](uint32_t) {
-                while (!(found[next / 32] >> next % 32 & 1)) ++next;
-                return static_cast<int32_t>(next++);
-            });
-        }
-        if (isNeeded(*mask_, asked)) {
-            array_nodes::writeMask(*mask_, found, count);
-            this->written(mask_);
-        }
-    });
-}
-
-// Removing.
-
-template <typename Port>
-ArrayRemoveElement<Port>::ArrayRemoveElement(weft::NetworkManager* manager, const TM_String& name,
-                                             weft::Node* parent,
-                                             typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
-    this->describe("This node removes all elements of the 'by_value' from the input 'array'. The "
-                   "returned mask has the same size as the input 'array' and is set to 0 at "
-                   "removed positions.");
-    array_ = this->addArrayInput("array", "The array to remove from.");
-    element_ = this->addArrayInput("element",
-                                   "The value to remove all its instances from the input array");
-    outArray_ = this->addArrayOutput("out array", "The elements that are left, in order.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the input array, 0 for a removed one.");
-    this->setAttributeAffectAllOutputsByAllInputs();
-    this->addAttributeAllowedPassThrough(array_, outArray_);
-}
-
-template <typename Port>
-void ArrayRemoveElement<Port>::update(weft::Attribute* asked) {
-    array_->pull();
-    element_->pull();
-    const auto& array = this->read(array_);
-    const auto& element = this->read(element_);
-    auto* target = this->target(outArray_);
-    if (!target) return;
-    const bool wantsMask = this->isWanted(mask_, asked, this->isInPlace(array_, outArray_));
-    WorkMeter meter(*this->networkManager());
-    withElementsOf(array, [&]<typename T>() {
-        const std::span<const T> from = elementsOf<T>(array);
-        const auto count = static_cast<uint32_t>(from.size());
-        Array<uint32_t> kept = array_nodes::membersIn(from, elementsOf<T>(element), meter);
-        for (uint32_t& word : kept) word = ~word;
-        writeElements<T>(*target, {&array, &element}, [&](Array<T>& out) {
-            array_nodes::writeKept(from, kept.data(), out, meter);
-        });
-        this->written(outArray_);
-        if (!wantsMask) return;
-        array_nodes::writeMask(*mask_, kept, count);
-        this->written(mask_);
-    });
-}
-
-template <typename Port>
-ArrayRemoveIndex<Port>::ArrayRemoveIndex(weft::NetworkManager* manager, const TM_String& name,
-                                         weft::Node* parent,
-                                         typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
-    this->describe("This node removes all input array positions by the 'index' input. ");
-    array_ = this->addArrayInput("array", "The array to remove from.");
-    index_ = this->addIntegerInput("index", "The positions of the input array to remove", 0);
-    outArray_ = this->addArrayOutput("out array", "The elements that are left, in order.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the input array, 0 for a removed one.");
-    this->setAttributeAffectAllOutputsByAllInputs();
-    this->addAttributeAllowedPassThrough(array_, outArray_);
-}
-
-template <typename Port>
-void ArrayRemoveIndex<Port>::update(weft::Attribute* asked) {
-    array_->pull();
-    index_->pull();
-    const auto& array = this->read(array_);
-    auto* target = this->target(outArray_);
-    if (!target) return;
-    const bool wantsMask = this->isWanted(mask_, asked, this->isInPlace(array_, outArray_));
-    WorkMeter meter(*this->networkManager());
-    withElementsOf(array, [&]<typename T>() {
-        const std::span<const T> from = elementsOf<T>(array);
-        const auto count = static_cast<uint32_t>(from.size());
-        Array<uint32_t> kept = array_nodes::allKept(count);
-        for (const int32_t index : this->integers(index_)) {
-            if (static_cast<uint32_t>(index) < count) {
-                array_nodes::drop(kept, static_cast<uint32_t>(index));
-            } else {
-                this->reportIndex(index);
-            }
-            meter.add(0);
-        }
-        writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            array_nodes::writeKept(from, kept.data(), out, meter);
-        });
-        this->written(outArray_);
-        if (!wantsMask) return;
-        array_nodes::writeMask(*mask_, kept, count);
-        this->written(mask_);
-    });
-}
-
-template <typename Port>
-ArrayRemoveRepeatedElements<Port>::ArrayRemoveRepeatedElements(
-    weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
-    typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
-    this->describe(
-        "This node removes all repetitions of elements from the input 'array'. The 'new_to_old' "
-        "array can be used as an 'index' input for a GetArrayElement-Node to restore the original "
-        "array. The returned mask has the same size as the input 'array' and is set to 0 at "
-        "removed positions.");
-    array_ = this->addArrayInput("array", "The array to remove from.");
-    newToOld_ = this->addIntegerOutput(
-        "new to old", "For each element of the input array, its position in the output array.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the input array, 0 for a removed one.");
-    outArray_ = this->addArrayOutput("out array", "The first of each of the elements, in order.");
-    this->setAttributeAffectAllOutputsByAllInputs();
-    this->addAttributeAllowedPassThrough(array_, outArray_);
-}
-
-template <typename Port>
-void ArrayRemoveRepeatedElements<Port>::update(weft::Attribute* asked) {
-    array_->pull();
-    const auto& array = this->read(array_);
-    auto* target = this->target(outArray_);
-    if (!target) return;
-    const bool inPlace = this->isInPlace(array_, outArray_);
-    WorkMeter meter(*this->networkManager());
-    withElementsOf(array, [&]<typename T>() {
-        const std::span<const T> from = elementsOf<T>(array);
-        const auto count = static_cast<uint32_t>(from.size());
-        Array<uint32_t> kept = array_nodes::allKept(count);
-        Array<int32_t> places; // of the kept elements, by old position
-        places.resizeForOverwrite(count);
-        ElementSet<T> set(from.data(), count);
-        int32_t next = 0;
-        for (uint32_t i = 0; i < count; ++i) {
-            const uint32_t first = set.add(i);
-            if (first == i) {
-                places[i] = next++;
-            } else {
-                places[i] = places[first];
-                array_nodes::drop(kept, i);
-            }
-            meter.add(0);
-        }
-        writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            array_nodes::writeKept(from, kept.data(), out, meter);
-        });
-        this->written(outArray_);
-        if (this->isWanted(newToOld_, asked, inPlace)) {
-            this->writeIntegers(newToOld_, count, [&](uint32_t i) { return places[i]; });
-        }
-        if (!this->isWanted(mask_, asked, inPlace)) return;
-        array_nodes::writeMask(*mask_, kept, count);
-        this->written(mask_);
-    });
 }
 
 } // namespace tidemark::sluice::graph

@@ -83,14 +83,37 @@ protected:
     void writeIntegers(NumericAttribute* pin, uint64_t count, Function function) {
         weft::Numeric* numbers = pin->numericTarget();
         if (!numbers) return;
-        Array<int32_t>& array = numbers->refValues<int32_t>();
-        sizeForWriting(array, count);
-        for (uint32_t i = 0; i < array.size(); ++i) array[i] = function(i);
-        numbers->setSize(array.size());
+        WorkMeter meter(*networkManager());
+        writeElements<int32_t>(*numbers, {}, [&](Array<int32_t>& array) {
+            sizeForWriting(array, count, meter);
+            inPieces(count, meter, [&](uint64_t first, uint64_t end) {
+                for (uint64_t i = first; i < end; ++i) {
+                    array[i] = function(static_cast<uint32_t>(i));
+                }
+            });
+        });
         written(pin);
     }
 
     void reportIndex(int32_t index) { pushError(text::format("index is out of range: %d", index)); }
+    /// The range of a slice of `count` elements; reports what lies outside and answers false.
+    bool findSlice(int64_t count, const NumericAttribute* firstPin, const NumericAttribute* sizePin,
+                   uint64_t& first, uint64_t& length) {
+        const int64_t from = firstInteger(firstPin);
+        const int64_t size = firstInteger(sizePin);
+        const int64_t wanted = size < 0 ? count - from : size;
+        if (from < 0 || from >= count) {
+            reportInput(firstPin, static_cast<int32_t>(from));
+            return false;
+        }
+        if (from + wanted - 1 >= count) {
+            reportInput(sizePin, static_cast<int32_t>(size));
+            return false;
+        }
+        first = static_cast<uint64_t>(from);
+        length = static_cast<uint64_t>(wanted);
+        return true;
+    }
     void reportInput(const weft::Attribute* input, int32_t value) {
         pushError(text::format("Input '%s' is out of range: %d", input->name().c_str(), value));
     }

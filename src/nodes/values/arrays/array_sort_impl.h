@@ -39,9 +39,10 @@ void ArraySort<Port>::update(weft::Attribute* asked) {
         Array<int32_t> order;
         orderElements(from, order, meter);
         writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            sizeForWriting(out, from.size());
+            sizeForWriting(out, from.size(), meter);
             for (uint32_t k = 0; k < order.size(); ++k) {
                 out[k] = from[static_cast<uint32_t>(order[k])];
+                meter.add(workOf(out[k]));
             }
         });
         this->written(outArray_);
@@ -55,15 +56,13 @@ void ArraySort<Port>::writeMaps(const Array<int32_t>& order, const weft::Attribu
     if (this->isWanted(newToOld_, asked, inPlace)) {
         this->writeIntegers(newToOld_, order.size(), [&](uint32_t k) { return order[k]; });
     }
-    weft::Numeric* places = oldToNew_->numericTarget();
-    if (!places || !this->isWanted(oldToNew_, asked, inPlace)) return;
-    Array<int32_t>& array = places->refValues<int32_t>();
-    sizeForWriting(array, order.size());
+    if (!this->isWanted(oldToNew_, asked, inPlace)) return;
+    Array<int32_t> places;
+    places.resizeForOverwrite(order.size());
     for (uint32_t k = 0; k < order.size(); ++k) {
-        array[static_cast<uint32_t>(order[k])] = static_cast<int32_t>(k);
+        places[static_cast<uint32_t>(order[k])] = static_cast<int32_t>(k);
     }
-    places->setSize(array.size());
-    this->written(oldToNew_);
+    this->writeIntegers(oldToNew_, places.size(), [&](uint32_t i) { return places[i]; });
 }
 
 } // namespace tidemark::sluice::graph

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 namespace tidemark::sluice::graph {
@@ -39,11 +40,13 @@ void sortByDigits(std::vector<Keyed<Key>>& items, WorkMeter& meter) {
     constexpr unsigned passes = (sizeof(Key) * 8 + digitBits - 1) / digitBits;
     std::vector<std::array<uint32_t, digits>> counts(passes);
     for (auto& count : counts) count.fill(0);
-    for (const Keyed<Key>& item : items) {
-        for (unsigned pass = 0; pass < passes; ++pass) {
-            ++counts[pass][item.key >> pass * digitBits & (digits - 1)];
+    inPieces(items.size(), meter, [&](uint64_t first, uint64_t end) {
+        for (uint64_t i = first; i < end; ++i) {
+            for (unsigned pass = 0; pass < passes; ++pass) {
+                ++counts[pass][items[i].key >> pass * digitBits & (digits - 1)];
+            }
         }
-    }
+    });
     std::vector<Keyed<Key>> other(items.size());
     for (unsigned pass = 0; pass < passes; ++pass) {
         auto& next = counts[pass];
@@ -52,9 +55,12 @@ void sortByDigits(std::vector<Keyed<Key>>& items, WorkMeter& meter) {
         if (next[items[0].key >> shift & (digits - 1)] == items.size()) continue;
         uint32_t sum = 0;
         for (uint32_t& count : next) sum += std::exchange(count, sum);
-        for (const Keyed<Key>& item : items) other[next[item.key >> shift & (digits - 1)]++] = item;
+        inPieces(items.size(), meter, [&](uint64_t first, uint64_t end) {
+            for (uint64_t i = first; i < end; ++i) {
+                other[next[items[i].key >> shift & (digits - 1)]++] = items[i];
+            }
+        });
         items.swap(other);
-        meter.add(items.size());
     }
 }
 
@@ -78,9 +84,11 @@ template <typename T>
 void orderNumbers(std::span<const T> elements, Array<int32_t>& order, WorkMeter& meter) {
     using Key = decltype(keyOf(T()));
     std::vector<Keyed<Key>> items(elements.size());
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        items[i] = {keyOf(elements[i]), static_cast<int32_t>(i)};
-    }
+    inPieces(items.size(), meter, [&](uint64_t first, uint64_t end) {
+        for (uint64_t i = first; i < end; ++i) {
+            items[i] = {keyOf(elements[i]), static_cast<int32_t>(i)};
+        }
+    });
     if (items.size() < worthDigits) {
         sortByKey(items);
     } else {
@@ -134,9 +142,10 @@ uint64_t bytesOf(const TM_String& text, std::size_t skipped) {
 }
 
 // How many bytes all strings begin with.
-std::size_t commonLength(std::span<const TM_String> strings) {
+std::size_t commonLength(std::span<const TM_String> strings, WorkMeter& meter) {
     std::size_t common = strings.empty() ? 0 : strings[0].size();
     for (const TM_String& string : strings) {
+        meter.add(common);
         common = std::min(common, string.size());
         if (std::memcmp(string.data(), strings[0].data(), common) == 0) continue;
         common = static_cast<std::size_t>(
@@ -178,7 +187,7 @@ void orderElements(std::span<const Matrix4<float>> elements, Array<int32_t>& ord
 
 void orderElements(std::span<const TM_String> elements, Array<int32_t>& order, WorkMeter& meter) {
     using Item = Keyed<uint64_t>;
-    const std::size_t skipped = commonLength(elements);
+    const std::size_t skipped = commonLength(elements, meter);
     std::vector<Item> items(elements.size());
     for (std::size_t i = 0; i < items.size(); ++i) {
         items[i] = {bytesOf(elements[i], skipped), static_cast<int32_t>(i)};
@@ -190,10 +199,10 @@ void orderElements(std::span<const TM_String> elements, Array<int32_t>& order, W
     }
     // Where the keys are equal, what stands behind them decides.
     const auto isLess = [&](const Item& a, const Item& b) {
-        meter.add(1);
-        const TM_String& first = elements[static_cast<std::size_t>(a.position)];
-        const TM_String& second = elements[static_cast<std::size_t>(b.position)];
-        const int compared = first.compare(second);
+        const std::string_view first = elements[static_cast<std::size_t>(a.position)];
+        const std::string_view second = elements[static_cast<std::size_t>(b.position)];
+        meter.add(std::min(first.size(), second.size()));
+        const int compared = first.substr(skipped).compare(second.substr(skipped));
         return compared != 0 ? compared < 0 : a.position < b.position;
     };
     for (auto begin = items.begin(); begin != items.end();) {

@@ -4,6 +4,7 @@
 // Elements are equal as `==` says: not-a-number equals nothing, and 0 equals -0.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <functional>
@@ -12,6 +13,7 @@
 
 #include "core/text.h"
 #include "core/types.h"
+#include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
 
@@ -72,9 +74,12 @@ public:
           mask_(slots_.size() - 1) {}
 
     /// All elements of `elements`.
-    explicit ElementSet(std::span<const T> elements)
+    ElementSet(std::span<const T> elements, WorkMeter& meter)
         : ElementSet(elements.data(), static_cast<uint32_t>(elements.size())) {
-        for (uint32_t i = 0; i < elements.size(); ++i) add(i);
+        for (uint32_t i = 0; i < elements.size(); ++i) {
+            add(i);
+            meter.add(workOf(elements[i]));
+        }
     }
 
     /// The position of the member equal to `element`, or `none`.
@@ -108,8 +113,9 @@ private:
 template <typename T>
 class Membership {
 public:
-    explicit Membership(std::span<const T> members) : members_(members), set_(members.data(), 0) {
-        if (members.size() > fewMembers) set_ = ElementSet<T>(members);
+    Membership(std::span<const T> members, WorkMeter& meter)
+        : members_(members), set_(members.data(), 0) {
+        if (members.size() > fewMembers) set_ = ElementSet<T>(members, meter);
     }
     bool contains(const T& element) const {
         if (members_.size() > fewMembers) return set_.contains(element);
@@ -130,14 +136,15 @@ private:
 template <typename T>
 class ElementFinder {
 public:
-    /// `searches` is how many will be made: a few look at the array itself.
-    ElementFinder(std::span<const T> array, std::size_t searches)
-        : array_(array), isIndexed_(searches > fewSearches), set_(array.data(), 0) {
+    /// `searches` is how many will be made: a few look at the array itself. The meter must outlive
+    /// the finder.
+    ElementFinder(std::span<const T> array, std::size_t searches, WorkMeter& meter)
+        : array_(array), isIndexed_(searches > fewSearches), set_(array.data(), 0), meter_(meter) {
         if (isIndexed_) buildIndex();
     }
 
     /// -1 when there is none at or behind `start`.
-    int64_t find(const T& element, uint32_t start) const {
+    int64_t find(const T& element, uint32_t start) {
         if (start >= array_.size()) return -1;
         return isIndexed_ ? findIndexed(element, start) : findPlainly(element, start);
     }
@@ -145,9 +152,12 @@ public:
 private:
     static constexpr std::size_t fewSearches = 4;
 
-    int64_t findPlainly(const T& element, uint32_t start) const {
-        const auto found = std::find(array_.begin() + start, array_.end(), element);
-        return found == array_.end() ? -1 : found - array_.begin();
+    int64_t findPlainly(const T& element, uint32_t start) {
+        for (std::size_t i = start; i < array_.size(); ++i) {
+            if (array_[i] == element) return static_cast<int64_t>(i);
+            meter_.add(workOf(array_[i]));
+        }
+        return -1;
     }
     // The positions of equal elements are linked in ascending order.
     void buildIndex() {
@@ -158,11 +168,15 @@ private:
         for (uint32_t i = 0; i < count; ++i) {
             first[i] = set_.add(i);
             ++begins_[first[i] + 1];
+            meter_.add(workOf(array_[i]));
         }
         for (uint32_t i = 0; i < count; ++i) begins_[i + 1] += begins_[i];
         std::vector<uint32_t> next(begins_.begin(), begins_.end() - 1);
         positions_.resize(count);
-        for (uint32_t i = 0; i < count; ++i) positions_[next[first[i]]++] = i;
+        for (uint32_t i = 0; i < count; ++i) {
+            positions_[next[first[i]]++] = i;
+            meter_.add(0);
+        }
     }
     int64_t findIndexed(const T& element, uint32_t start) const {
         const uint32_t member = set_.find(element);
@@ -176,6 +190,7 @@ private:
     std::span<const T> array_;
     bool isIndexed_;
     ElementSet<T> set_;
+    WorkMeter& meter_;
     std::vector<uint32_t> begins_;    // by first position: where its equals begin in `positions_`
     std::vector<uint32_t> positions_; // grouped by equality, ascending in each group
 };

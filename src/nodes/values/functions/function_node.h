@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // Base of the nodes that apply a formula to every element of numbers:
 //
-//     class Floor : public NumericFunctionNode {
-//     public:
-//         Floor(NetworkManager* manager, const TM_String& name, Node* parent)
-//             : NumericFunctionNode(manager, name, parent, {"Real", "Vector3"},
-//                                   {{"in", "The value to round down.", 0}}, "The rounded value.")
-//                                   {
-//             appendClass<"Floor">();
-//         }
-//         Routine routineFor(NumericType type) const override {
-//             return componentwise<1, float, Vector3<float>>(
-//                 type, [](float x) { return std::floor(x); });
-//         }
-//     };
+//     Floor::Floor(NetworkManager* manager, const TM_String& name, Node* parent)
+//         : NumericFunctionNode(manager, name, parent, {"Real", "Vector3"},
+//                               {{"in", "The value to round down.", 0}}, "The rounded value.") {
+//         appendClass<"Floor">();
+//     }
+//     Routine Floor::routineFor(NumericType type) const {
+//         // 1 nanosecond per element, 1 input, and the types that have this routine.
+//         return componentwise<1, 1, float, Vector3<float>>(
+//             type, [](float x) { return std::floor(x); });
+//     }
 #pragma once
 
 #include <array>

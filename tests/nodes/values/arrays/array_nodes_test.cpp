@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <vector>
+
 #include "nodes/values/declarations.h"
 #include "nodes/values/logic_net.h"
 
@@ -179,6 +183,13 @@ TEST(GetArrayElement, RepeatedAndNoIndices) {
     n.integers("index", {});
     EXPECT_EQ(n.result(), "");
     EXPECT_EQ(n.as<StringAttribute>("n.result").strings().size(), 0u);
+}
+
+TEST(GetArrayElement, UnsetElementsInPlaceKeepTheArraysOwn) {
+    Strings n("GetArrayStringElement");
+    ASSERT_TRUE(n.node("n").connectInternalAttributes(&n.pin("n.array"), &n.pin("n.result")));
+    n.integers("index", {9, 0});
+    EXPECT_EQ(n.result(), "a|a");
 }
 
 TEST(SetArrayElement, HandlesPairsOnly) {
@@ -379,6 +390,32 @@ TEST(ArraySort, StringsGoByTheirBytes) {
     EXPECT_EQ(n.out(), "|Z|a|longprefix|longprefix10|longprefix2|\xc3\xa4");
 }
 
+// Equal beginnings, zeros inside, and enough of them to be sorted by digits.
+TEST(ArraySort, ManyStringsGoAsAStableSortPutsThem) {
+    std::mt19937 random(21);
+    for (const uint32_t count : {511u, 512u, 5000u}) {
+        std::vector<TM_String> words;
+        for (uint32_t i = 0; i < count; ++i) {
+            TM_String word = "common/";
+            for (uint32_t k = random() % 12; k > 0; --k) word += "ab\0z"[random() % 4];
+            words.push_back(word);
+        }
+        Strings n("ArrayStringSort");
+        StringValue& array = n.as<StringAttribute>("n.array").ownStrings();
+        array.setSize(count);
+        for (uint32_t i = 0; i < count; ++i) array.setValueAt(i, words[i]);
+        n.refresh("n.out array");
+        std::vector<int32_t> expected(count);
+        for (uint32_t i = 0; i < count; ++i) expected[i] = static_cast<int32_t>(i);
+        std::stable_sort(expected.begin(), expected.end(), [&](int32_t a, int32_t b) {
+            return words[static_cast<uint32_t>(a)] < words[static_cast<uint32_t>(b)];
+        });
+        const auto& order = n.as<NumericAttribute>("n.new to old").numeric().values<int32_t>();
+        ASSERT_EQ(order.size(), count);
+        for (uint32_t k = 0; k < count; ++k) ASSERT_EQ(order[k], expected[k]) << k;
+    }
+}
+
 // Searching.
 
 TEST(ArrayFindElement, FindsTheFirstFromTheStart) {
@@ -464,6 +501,29 @@ TEST(ArrayNodes, UnwantedOutputsAreNotComputed) {
     EXPECT_EQ(n.as<BitArrayAttribute>("n.mask").ownBits().asString(), "0");
     n.refresh("n.mask");
     EXPECT_EQ(n.as<BitArrayAttribute>("n.mask").ownBits().asString(), "1010");
+}
+
+// An update that gives up marks nothing clean.
+TEST(ArrayNodes, OutputsThatAreRefusedStayDirty) {
+    Strings resize("ArrayStringResize");
+    resize.integers("size", {-1});
+    resize.node("n").doUpdate(&resize.pin("n.out array"));
+    EXPECT_FALSE(resize.pin("n.out array").isClean());
+    Strings constant("ArrayStringConstant");
+    constant.integers("size", {-1});
+    constant.node("n").doUpdate(&constant.pin("n.out array"));
+    EXPECT_FALSE(constant.pin("n.out array").isClean());
+    Strings first("ArrayStringSlice");
+    first.integers("first", {4});
+    first.node("n").doUpdate(&first.pin("n.out array"));
+    EXPECT_FALSE(first.pin("n.out array").isClean());
+    Strings size("ArrayStringSlice");
+    size.integers("size", {5});
+    size.node("n").doUpdate(&size.pin("n.out array"));
+    EXPECT_FALSE(size.pin("n.out array").isClean());
+    size.integers("size", {2});
+    size.node("n").doUpdate(&size.pin("n.out array"));
+    EXPECT_TRUE(size.pin("n.out array").isClean());
 }
 
 // In place.
