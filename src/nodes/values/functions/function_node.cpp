@@ -16,6 +16,7 @@ NumericFunctionNode::NumericFunctionNode(weft::NetworkManager* manager, const TM
                                          const char* resultHelp)
     : Node(manager, name, parent) {
     assert(inputs.size() <= mostInputs && "no formula has more operands");
+    setThreadingModeHintByElement();
     std::size_t used = 0;
     for (const Input& input : inputs) {
         auto* pin = addInput<NumericAttribute>(input.name, input.help);

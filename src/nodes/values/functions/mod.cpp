@@ -89,6 +89,7 @@ public:
         : Node(manager, name, parent) {
         appendClass<"Mod">();
         describe("Computes module of the input value.");
+        setThreadingModeHintByElement();
         in_ = addInput<NumericAttribute>("in", "The value to divide.");
         mod_ = addInput<NumericAttribute>("mod", "The divisor. A remainder by the integer 0 is 0.");
         result_ = addOutput<NumericAttribute>(

@@ -48,6 +48,7 @@ public:
         : Node(manager, name, parent) {
         appendClass<"TrigonometricFunctions">();
         describe("Evaluates the selected trigonometric function.");
+        setThreadingModeHintByElement();
         function_ = addInput<EnumAttribute>("function", "The function to evaluate.");
         function_->setOptions(
             {"cos", "sin", "tan", "acos", "asin", "atan", "cosh", "sinh", "tanh"});
