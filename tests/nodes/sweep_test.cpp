@@ -13,6 +13,8 @@
 #include "core/pointer_value.h"
 #include "graph/node_factory.h"
 #include "graph/scene_manager.h"
+#include "nodes/values/curves/curve_attributes.h"
+#include "nodes/values/element_loop.h"
 #include "nodes/values/logic_net.h"
 
 namespace {
@@ -257,17 +259,69 @@ TEST_F(EveryType, GivesWhatAFreshNodeGivesAfterwards) {
     });
 }
 
+// Sources of every class of values: those of pointers point to something, so that who takes one
+// for another does harm.
+class WrongSources {
+public:
+    explicit WrongSources(LogicNet& net) {
+        for (const auto& [type, pin] :
+             {std::pair("Bit", "bit"), std::pair("Real", "real"), std::pair("String", "out"),
+              std::pair("ArrayCurveConstant", "out array"),
+              std::pair("ArrayKeyConstant", "out array"),
+              std::pair("ConditionEqualTo", "condition")}) {
+            net.add(type, TM_String("wrong") + type);
+            pins_.push_back(&net.pin(TM_String("wrong") + type + "." + pin));
+        }
+        point(net, "wrongArrayCurveConstant.constant", &curve_);
+        point(net, "wrongArrayKeyConstant.constant", &key_);
+    }
+    const std::vector<Attribute*>& pins() const { return pins_; }
+
+private:
+    static void point(LogicNet& net, const TM_String& pin, void* object) {
+        net.as<PointerAttribute>(pin).ownPointers().setValueAt(0, object);
+        net.pin(pin).valueChanged();
+    }
+
+    tidemark::ANIFloatBase curve_;
+    tidemark::PointInfo key_;
+    std::vector<Attribute*> pins_;
+};
+
 // Each input in turn from a source whose value is of another class.
 TEST_F(EveryType, ReadsSourcesOfAnotherClassSafely) {
     forEach([&](LogicNet& net, Node& node, const TM_String& type, const TM_String&) {
-        net.add("Bit", "b");
-        net.add("Real", "r");
+        const WrongSources wrong(net);
         for (Attribute* input : node.refInputAttributes()) {
-            const bool isBit = input->className() == "BitArrayAttribute";
-            Attribute& wrong = isBit ? net.pin("r.real") : net.pin("b.bit");
-            wrong.connectTo(input, nullptr);
-            computeAll(node, type + " with a wrong " + input->name());
-            input->disconnectSource();
+            for (Attribute* source : wrong.pins()) {
+                if (source->className() == input->className()) continue;
+                source->connectTo(input, nullptr);
+                computeAll(node, type + " with a wrong " + input->name());
+                input->disconnectSource();
+            }
+        }
+    });
+}
+
+// Every loop over elements on threads of its own, however few they are.
+TEST_F(EveryType, GivesTheSameOnThreads) {
+    const auto outputs = [](const TM_String& type, const TM_String& choice, const Feed& feed,
+                            int threads) {
+        LogicNet net;
+        Node& node = net.add(type, "n");
+        choose(node, choice);
+        node.setNumberOfThreads(threads);
+        giveAll(node, feed);
+        tidemark::sluice::graph::setThreadForEveryRecord(threads > 1);
+        const TM_String found = outputsOf(node);
+        tidemark::sluice::graph::setThreadForEveryRecord(false);
+        return found;
+    };
+    forEach([&](LogicNet&, Node&, const TM_String& type, const TM_String& choice) {
+        if (remembering.count(type)) return;
+        for (const Feed& feed : feeds) {
+            EXPECT_EQ(outputs(type, choice, feed, 3), outputs(type, choice, feed, 1))
+                << choice << ", " << feed.name;
         }
     });
 }

@@ -118,9 +118,9 @@ void sizeForWriting(Array<T>& array, uint64_t count, WorkMeter& meter) {
 template <typename T>
 T* copyElements(std::span<const T> in, T* out, WorkMeter& meter) {
     inPieces(in.size(), meter, [&](uint64_t first, uint64_t end) {
-        for (uint64_t i = first; i < end; ++i) {
-            out[i] = in[i];
-            if constexpr (std::is_same_v<T, TM_String>) meter.add(workOf(in[i]));
+        std::copy(in.begin() + first, in.begin() + end, out + first);
+        if constexpr (std::is_same_v<T, TM_String>) {
+            for (uint64_t i = first; i < end; ++i) meter.add(workOf(in[i]));
         }
     });
     return out + in.size();
