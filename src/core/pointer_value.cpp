@@ -58,6 +58,11 @@ const PointerValueBase& PointerAttribute::pointers() const {
     return *static_cast<const PointerValueBase*>(shown);
 }
 
+void PointerAttribute::removeReferencesTo(const Array<void*>& pointers) {
+    // It may have been given a value of another class.
+    if (value() && value()->isKind(*kind_)) ownPointers().removeReferencesTo(pointers);
+}
+
 PointerValueBase* PointerAttribute::pointersTarget() const {
     Value* target = writeTarget();
     if (!target || !target->isKind(*kind_)) return nullptr;

@@ -64,9 +64,7 @@ public:
     /// The attribute's own pointers.
     PointerValueBase& ownPointers() const { return *static_cast<PointerValueBase*>(value()); }
     /// Blanks the pointers in the port's own value. Nothing is marked dirty: a reader finds null.
-    void removeReferencesTo(const Array<void*>& pointers) {
-        ownPointers().removeReferencesTo(pointers);
-    }
+    void removeReferencesTo(const Array<void*>& pointers);
 
 protected:
     /// Takes over the reference on `value`, which is of the kind `kind`.

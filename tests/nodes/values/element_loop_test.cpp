@@ -171,6 +171,7 @@ class ElementMap : public ::testing::Test {
 protected:
     weft::Numeric& number(std::initializer_list<float> values) {
         auto* made = new weft::Numeric(&net_.manager());
+        made->retain();
         made->setType(weft::NumericType::real);
         made->setValues(tidemark::Array<float>(values));
         made_.emplace_back(made, [](weft::Numeric* value) { value->release(); });

@@ -52,7 +52,11 @@ protected:
     template <typename NodeClass>
     NodeClass& make() {
         auto* node = new NodeClass(&net_.manager(), "n", nullptr);
-        made_.emplace_back(node, [](Node* made) { made->deleteIt(); });
+        node->retain();
+        made_.emplace_back(node, [](Node* made) {
+            made->deleteIt();
+            made->release();
+        });
         return *node;
     }
     static AnchorAttribute& port(Node& node, const char* name) {
