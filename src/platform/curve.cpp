@@ -197,13 +197,28 @@ void ANIFloatBase::evaluate(const float* times, float* results, uint32_t count) 
     if (compiled_) compiled_->evaluate(times, results, count, frameRate_, expressionPlusSpline_);
 }
 
-void ANIFloatBase::eulerFilter() {
+namespace {
+
+// `angle` by full turns as near to `previous` as can be.
+double unwound(double angle, double previous) {
     constexpr double turn = 360.0;
+    const double step = angle - previous;
+    if (std::fabs(step) <= turn / 2) return angle;
+    const double near = angle - turn * std::round(step / turn);
+    if (std::fabs(near - previous) <= turn / 2) return near;
+    // So many turns that neither the step nor their number is exact.
+    return previous +
+           std::remainder(std::remainder(angle, turn) - std::remainder(previous, turn), turn);
+}
+
+} // namespace
+
+void ANIFloatBase::eulerFilter() {
     const PointInfo* previous = nullptr;
     for (PointInfo* key : spline_.points()) {
         if (!std::isfinite(key->y())) continue;
-        const double step = previous ? key->y() - previous->y() : 0.0;
-        if (std::fabs(step) > turn / 2) key->setY(key->y() - turn * std::round(step / turn));
+        const double angle = previous ? unwound(key->y(), previous->y()) : key->y();
+        if (angle != key->y()) key->setY(angle);
         previous = key;
     }
 }

@@ -267,6 +267,43 @@ TEST_F(CurveTest, PlainTcbSlopeIsSmoothWithUnevenSpacing) {
     EXPECT_NEAR(0.5, right, 0.02);
 }
 
+PointInfo tcbKey(double x, double y, double t, double c, double b) {
+    PointInfo made(x, y);
+    made.setTension(t);
+    made.setContinuity(c);
+    made.setBias(b);
+    return made;
+}
+
+// Worked out apart, by the paper's equations 8 and 9 with each tangent scaled by twice its own span
+// over both, in the basis of Hermite.
+TEST_F(CurveTest, TcbKeysOfUnevenSpacing) {
+    add({tcbKey(0, 1, 0.1, 0.2, -0.3), tcbKey(1, 5, 0.25, -0.5, 0.75), tcbKey(4, 2, -0.4, 0.3, 0.2),
+         tcbKey(4.5, -1, 0, 0, 0.5)});
+    const double worked[][3] = {
+        // time, value, value with the tangents of the inner keys unified
+        {0.25, 2.01188574, 2.04594336}, {0.5, 3.18569531, 3.27651563},
+        {2.0, 4.92147222, 5.27638889},  {3.0, 3.87940278, 4.10486111},
+        {4.125, 1.493, 1.503125},       {4.25, 0.716, 0.725},
+    };
+    for (const auto& [time, value, unified] : worked) {
+        EXPECT_NEAR(value, (*this)(static_cast<float>(time)), 1e-6) << time;
+    }
+    at(1).setUnifiesTangents(true);
+    at(2).setUnifiesTangents(true);
+    for (const auto& [time, value, unified] : worked) {
+        EXPECT_NEAR(unified, (*this)(static_cast<float>(time)), 1e-6) << time;
+    }
+}
+
+// The missing neighbour mirrors the only one, so of the chord's slope a key leaves with the share
+// (1 - t)(1 + c b) and arrives with (1 - t)(1 - c b).
+TEST_F(CurveTest, TcbEndsTakeTheirNeighbourTwice) {
+    add({tcbKey(0, 0, 0.5, 0.5, 1), tcbKey(2, 8, 0.25, -0.5, 1)});
+    const double leaving = 0.5 * 1.5 * 4, arriving = 0.75 * 1.5 * 4;
+    EXPECT_NEAR(4 + 2 * leaving / 8 - 2 * arriving / 8, (*this)(1), 1e-6);
+}
+
 TEST_F(CurveTest, TensionOneStopsAtTheKey) {
     PointInfo middle(1, 5);
     middle.setTension(1);
@@ -311,6 +348,35 @@ TEST_F(CurveTest, EaseGathersSpeedAndSlowsDown) {
     EXPECT_NEAR(0.875, (*this)(0.75f), 1e-6);
     at(0).setEaseTo(0);
     EXPECT_NEAR(1 - 1.0 / 3, (*this)(0.5f), 1e-6);
+}
+
+// Distances of a speed that rises over the first share and falls over the last, summed up apart.
+TEST_F(CurveTest, EaseChangesTheTimeWithinACubic) {
+    add({key(-1, 0, tm_spline::tcb), key(0, 0, tm_spline::tcb), key(2, 8, tm_spline::tcb),
+         key(3, 8, tm_spline::tcb)});
+    at(1).setEaseTo(0.3);
+    at(2).setEaseFrom(0.2);
+    EXPECT_NEAR(0.12241061, (*this)(0.2f), 1e-6);
+    EXPECT_NEAR(3.68908642, (*this)(1.0f), 1e-5);
+    EXPECT_NEAR(7.81353086, (*this)(1.8f), 1e-5);
+    at(1).setEaseTo(0.6);
+    at(2).setEaseFrom(0.6);
+    EXPECT_NEAR(1.188096, (*this)(0.6f), 1e-6);
+    // The other sides of these keys, and the other spans, go on evenly.
+    at(1).setEaseFrom(1);
+    at(2).setEaseTo(1);
+    EXPECT_NEAR(1.188096, (*this)(0.6f), 1e-6);
+}
+
+TEST_F(CurveTest, EaseNeedsACurvedWay) {
+    PointInfo right(1, 1);
+    right.setEaseFrom(0.5);
+    add({bezierKey(0, 0, 1, 1), right});
+    EXPECT_NEAR(1.0 / 3, (*this)(0.25f), 1e-6); // a third faster until it slows down
+    at(0).setType(tm_spline::linear);
+    EXPECT_EQ(0.25f, (*this)(0.25f));
+    at(0).setType(tm_spline::step);
+    EXPECT_EQ(0.0f, (*this)(0.25f));
 }
 
 TEST_F(CurveTest, EaseOfAnySizeStaysInItsBounds) {
@@ -421,6 +487,16 @@ TEST_F(CurveTest, AfterTheKeysFourBehaviours) {
     EXPECT_EQ(10.0f + 1000 * 10 + 5, (*this)(2002));
 }
 
+TEST_F(CurveTest, RoundsRiseFromTheLastKeyOfTheFirstTime) {
+    add({key(0, 5), key(0, 0), key(1, 10), key(1, 12)});
+    curve_.setPostBehaviour(curveLoopOffset);
+    EXPECT_EQ(5.0f, (*this)(-1));
+    EXPECT_EQ(0.0f, (*this)(0));
+    EXPECT_EQ(12.0f, (*this)(1));
+    EXPECT_EQ(17.0f, (*this)(1.5f));
+    EXPECT_EQ(29.0f, (*this)(2.5f));
+}
+
 TEST_F(CurveTest, LoopsOfUnevenPeriodsStayWithinTheKeys) {
     add({key(0.1, 0), key(0.4, 3)});
     curve_.setPostBehaviour(curveLoop);
@@ -526,6 +602,20 @@ TEST_F(CurveTest, EulerFilterLeavesHalfTurnsAlone) {
     EXPECT_EQ(-180.0, at(3).y());
     EXPECT_LE(std::fabs(at(4).y() - at(3).y()), 180.0);
     ANIFloatBase().eulerFilter();
+}
+
+TEST_F(CurveTest, EulerFilterOfHugeAnglesStaysFinite) {
+    const double huge = std::numeric_limits<double>::max();
+    add({key(0, 10), key(1, 1e18), key(2, -huge), key(3, huge), key(4, -huge), key(5, 5)});
+    curve_.eulerFilter();
+    for (uint32_t i = 1; i < curve_.spline().points().size(); ++i) {
+        ASSERT_TRUE(std::isfinite(at(i).y())) << i;
+        EXPECT_LE(std::fabs(at(i).y() - at(i - 1).y()), 180.0) << i;
+    }
+    curve_.refSpline().removeAllControlPoints();
+    add({key(0, huge), key(1, -huge), key(2, 5)});
+    curve_.eulerFilter();
+    for (uint32_t i = 0; i < 3; ++i) EXPECT_EQ(huge, at(i).y()) << i;
 }
 
 // --- expressions ---------------------------------------------------------------------------------

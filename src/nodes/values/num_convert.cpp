@@ -8,8 +8,7 @@
 #include "core/numeric.h"
 #include "core/string_value.h"
 #include "graph/define_node.h"
-#include "nodes/values/element_map.h"
-#include "nodes/values/value_tools.h"
+#include "nodes/values/arrays/array_elements.h"
 
 namespace tidemark::sluice::graph {
 
@@ -202,10 +201,10 @@ void NumConvert::toNumber(const NumericAttribute& output) {
     if (!target) return;
     const Numeric& number = input_->numeric();
     withConvertibleType(selectorOf(*input_), [&]<typename From>() {
-        Array<To>& to = target->refValues<To>();
-        element_map::sizeForWriting(to, number.size());
-        convert(number.values<From>(), number.size(), to);
-        target->setSize(number.size());
+        writeElements<To>(*target, {&number}, [&](Array<To>& to) {
+            element_map::sizeForWriting(to, number.size());
+            convert(number.values<From>(), number.size(), to);
+        });
     });
 }
 
@@ -215,8 +214,10 @@ void NumConvert::toString() {
     if (!target) return;
     const Numeric& number = input_->numeric();
     withConvertibleType(selectorOf(*input_), [&]<typename From>() {
-        target->setSize(number.size());
-        convert(number.values<From>(), number.size(), target->refValues());
+        writeElements<TM_String>(*target, {}, [&](Array<TM_String>& to) {
+            target->setSize(number.size());
+            convert(number.values<From>(), number.size(), to);
+        });
     });
 }
 

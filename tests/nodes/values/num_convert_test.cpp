@@ -6,7 +6,6 @@
 #include <cmath>
 #include <limits>
 
-#include "core/conversion.h"
 #include "nodes/values/declarations.h"
 #include "nodes/values/logic_net.h"
 
@@ -127,11 +126,12 @@ TEST_F(NumConvert, RealsThatNoIntegerHolds) {
     give<float>({1e20f, -1e20f, infinity, -infinity, nan});
     const auto integers = results<int32_t>("integer");
     const auto integers64 = results<int64_t>("integer64");
-    const float numbers[] = {1e20f, -1e20f, infinity, -infinity, nan};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(integers[i], tidemark::truncateTo<int32_t>(numbers[i])) << i;
-        EXPECT_EQ(integers64[i], tidemark::truncateTo<int64_t>(numbers[i])) << i;
-    }
+    using Limits = std::numeric_limits<int32_t>;
+    using Limits64 = std::numeric_limits<int64_t>;
+    EXPECT_EQ(integers, (std::vector<int32_t>{Limits::max(), Limits::min(), Limits::max(),
+                                              Limits::min(), 0}));
+    EXPECT_EQ(integers64, (std::vector<int64_t>{Limits64::max(), Limits64::min(), Limits64::max(),
+                                                Limits64::min(), 0}));
     const auto colors = results<Color>("color4");
     EXPECT_EQ(colors[2], Color(1, 1, 1, 1));
     EXPECT_EQ(colors[3], Color(0, 0, 0, 1));
@@ -164,6 +164,34 @@ TEST_F(NumConvert, Colors) {
     EXPECT_EQ(text("vector3"), "[4] (0.5,0.6,0.7)");
     EXPECT_EQ(text("color4"), "[5] (0.5,0.6,0.7,0.9)");
     EXPECT_EQ(list(), "0.500000 0.600000 0.700000 0.900000");
+}
+
+TEST_F(NumConvert, ColorsOutsideOfZeroToOne) {
+    give<Color>({{2, 0, 0, 0.5f}, {-0.5f, 0, 0, 7}, {1e6f, 3, -4, -1}});
+    EXPECT_EQ(text("integer"), "[1] 131070,-32767,2147483647");
+    EXPECT_EQ(text("integer64"), "[2] 131070,-32767,65535000576");
+    EXPECT_EQ(results<float>("real"), (std::vector<float>{2, -0.5f, 1e6f}));
+    EXPECT_EQ(results<Color>("color4")[1], Color(-0.5f, 0, 0, 7));
+    EXPECT_EQ(results<Vector>("vector3")[2], Vector(1e6f, 3, -4));
+}
+
+// What was not computed is not shown.
+TEST_F(NumConvert, InterruptedResultsAreEmpty) {
+    give<float>({1});
+    auto& number = net.as<NumericAttribute>("n.input").ownNumeric();
+    number.resize(200000);
+    Node& node = net.node("n");
+    net.manager().setEvaluating(true);
+    for (const TM_String& output : outputs) {
+        Attribute& pin = net.pin("n." + output);
+        EXPECT_NO_THROW(node.update(&pin));
+        EXPECT_EQ(pin.currentValue()->size(), 200000u) << output;
+        net.manager().requestInterrupt();
+        EXPECT_ANY_THROW(node.update(&pin)) << output;
+        net.manager().clearInterrupt();
+        EXPECT_EQ(pin.currentValue()->size(), 0u) << output;
+    }
+    net.manager().setEvaluating(false);
 }
 
 TEST_F(NumConvert, AnInputWithoutATypeIsReported) {

@@ -96,6 +96,15 @@ TEST(NumDemux, WithoutASourceTheOutputIsNamed) {
     }
 }
 
+TEST(NumDemux, AQuietNodeSaysNothing) {
+    LogicNet net;
+    Node& demux = net.add("NumDemux", "d");
+    demux.refMessages().setVerbosityLevel(1);
+    demux.doUpdate(&net.pin("d.real"));
+    EXPECT_EQ(net.messages("d"), "");
+    EXPECT_FALSE(net.pin("d.real").isClean());
+}
+
 TEST(NumDemux, ReadsAVariableWhoseTypeTheGraphDoesNotKnow) {
     CommonStorage::instance().removeAll();
     LogicNet net;

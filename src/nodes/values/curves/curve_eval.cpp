@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "graph/define_node.h"
+#include "nodes/values/arrays/array_elements.h"
 #include "nodes/values/curves/curve_tools.h"
 
 namespace tidemark::sluice::graph {
@@ -32,31 +33,34 @@ public:
         time_->pull();
         Numeric* target = result_->numericTarget();
         if (!target) return;
-        target->resize(time_->numeric().size());
+        const Numeric& time = time_->numeric();
         const ANIFloatBase* curve = curve_->curveAt(0);
         if (!curve) {
+            target->resize(time.size());
             pushError("Input Curve is null");
             return;
         }
-        evaluate(*curve, time_->numeric(), *target);
+        writeElements<float>(*target, {&time}, [&](Array<float>& results) {
+            element_map::sizeForWriting(results, time.size());
+            evaluate(*curve, time, results);
+        });
         result_->valueChanged();
+        setAttributeIsClean(result_, true);
     }
 
 private:
-    void evaluate(const ANIFloatBase& curve, const Numeric& time, Numeric& target) {
+    void evaluate(const ANIFloatBase& curve, const Numeric& time, Array<float>& results) {
         // Between two answers to an interrupt: some milliseconds of a long expression.
         constexpr uint32_t blockSize = 8192;
         const Array<float>& times = time.values<float>();
-        Array<float>& results = target.refValues<float>();
-        const uint32_t size = std::min(target.size(), results.size());
-        const uint32_t known = std::min(size, times.size());
+        const uint32_t known = std::min(time.size(), times.size());
         for (uint32_t i = 0; i < known; i += blockSize) {
             networkManager()->pollInterrupt();
             curve.evaluate(times.data() + i, results.data() + i, std::min(blockSize, known - i));
         }
         // A value of another type counts by its size; its reals may be fewer.
-        if (known == size) return;
-        std::fill(results.begin() + known, results.begin() + size,
+        if (known == time.size()) return;
+        std::fill(results.begin() + known, results.end(),
                   curve.DameValor(time.valueAt<float>(known)));
     }
 

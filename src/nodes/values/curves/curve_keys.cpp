@@ -33,6 +33,7 @@ public:
         if (!target) return;
         target->setValue(&made_);
         key_->valueChanged();
+        setAttributeIsClean(key_, true);
     }
 
     void attributeConnectionChanged(Attribute*) override { wasConnected_ = true; }
@@ -68,6 +69,7 @@ public:
         target->setSize(keys.size());
         std::copy(keys.begin(), keys.end(), target->refValues().begin());
         keys_->valueChanged();
+        setAttributeIsClean(keys_, true);
     }
 
 private:
@@ -94,6 +96,7 @@ public:
             }
         }
         outCurve_->valueChanged();
+        setAttributeIsClean(outCurve_, true);
     }
 
 protected:
@@ -155,6 +158,8 @@ public:
         // All at once, and from a list of their own: a key that is removed vanishes from the pin.
         change(curve->refSpline(), keysOfInput());
         outCurve_->valueChanged();
+        // Or a reader that comes next would have the keys added once more.
+        setAttributeIsClean(outCurve_, true);
     }
 
 protected:

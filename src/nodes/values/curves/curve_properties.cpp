@@ -6,6 +6,7 @@
 #include "core/bit_array.h"
 #include "core/string_value.h"
 #include "graph/define_node.h"
+#include "nodes/values/arrays/array_elements.h"
 #include "nodes/values/curves/curve_tools.h"
 
 namespace tidemark::sluice::graph {
@@ -53,11 +54,11 @@ public:
     void update(Attribute* attribute) override {
         curve_->pull();
         reportNulls();
-        writeBits(*hasExpression_, attribute,
-                  [](const ANIFloatBase& curve) { return !curve.getExpression().empty(); });
+        writeTruths(*hasExpression_, attribute,
+                    [](const ANIFloatBase& curve) { return !curve.getExpression().empty(); });
         writeExpressions(attribute);
-        writeBits(*plusSpline_, attribute,
-                  [](const ANIFloatBase& curve) { return curve.hasExpressionPlusSpline(); });
+        writeTruths(*plusSpline_, attribute,
+                    [](const ANIFloatBase& curve) { return curve.hasExpressionPlusSpline(); });
         writeIntegers(*keyCount_, attribute, [](const ANIFloatBase& curve) {
             return static_cast<int32_t>(curve.spline().points().size());
         });
@@ -76,42 +77,50 @@ private:
 
     // Calls `write` with index and curve of every element that is not null.
     template <typename Write>
-    void forEachCurve(Attribute& out, Write write) {
+    void forEachCurve(Write write) {
         WorkMeter meter(*networkManager());
         for (uint32_t i = 0; i < curve_->pointers().size(); ++i) {
             if (const ANIFloatBase* curve = curve_->curveAt(i)) write(i, *curve);
             meter.add(1);
         }
+    }
+    void written(Attribute& out) {
         out.valueChanged();
         setAttributeIsClean(&out, true);
     }
 
+    // Null curves leave their entries as they were, here and below.
     template <typename Read>
-    void writeBits(BitArrayAttribute& out, const Attribute* asked, Read read) {
+    void writeTruths(BitArrayAttribute& out, const Attribute* asked, Read read) {
         weft::BitArrayValue* target = out.bitsTarget();
         if (!target || !isWritten(out, asked)) return;
-        target->resize(curve_->pointers().size(), false);
-        forEachCurve(
-            out, [&](uint32_t i, const ANIFloatBase& curve) { target->setBit(i, read(curve)); });
+        writeBits(*target, curve_->pointers().size(), [&] {
+            forEachCurve(
+                [&](uint32_t i, const ANIFloatBase& curve) { target->setBit(i, read(curve)); });
+        });
+        written(out);
     }
 
     template <typename Read>
     void writeIntegers(NumericAttribute& out, const Attribute* asked, Read read) {
         weft::Numeric* target = out.numericTarget();
         if (!target || !isWritten(out, asked)) return;
-        target->resize(curve_->pointers().size());
-        forEachCurve(out, [&](uint32_t i, const ANIFloatBase& curve) {
-            target->setValueAt<int32_t>(i, read(curve));
+        writeElements<int32_t>(*target, {}, [&](Array<int32_t>& numbers) {
+            numbers.resize(curve_->pointers().size());
+            forEachCurve([&](uint32_t i, const ANIFloatBase& curve) { numbers[i] = read(curve); });
         });
+        written(out);
     }
 
     void writeExpressions(const Attribute* asked) {
         weft::StringValue* target = expression_->stringsTarget();
         if (!target || !isWritten(*expression_, asked)) return;
-        target->setSize(curve_->pointers().size());
-        forEachCurve(*expression_, [&](uint32_t i, const ANIFloatBase& curve) {
-            target->setValueAt(i, curve.getExpression());
+        writeElements<TM_String>(*target, {}, [&](Array<TM_String>& texts) {
+            target->setSize(curve_->pointers().size());
+            forEachCurve(
+                [&](uint32_t i, const ANIFloatBase& curve) { texts[i] = curve.getExpression(); });
         });
+        written(*expression_);
     }
 
     CurveAttribute* curve_;
@@ -159,6 +168,7 @@ public:
             meter.add(1);
         }
         outCurve_->valueChanged();
+        setAttributeIsClean(outCurve_, true);
     }
 
 private:

@@ -2,6 +2,7 @@
 // What the nodes over curves and keys share.
 #pragma once
 
+#include "core/bit_array.h"
 #include "core/node.h"
 #include "nodes/values/curves/curve_attributes.h"
 #include "nodes/values/value_tools.h"
@@ -16,6 +17,19 @@ bool hasRealSource(const weft::Attribute& pin);
 /// for.
 inline bool isWritten(const weft::Attribute& output, const weft::Attribute* asked) {
     return &output == asked || !output.destinations().empty();
+}
+
+/// Gives `bits` `count` elements and lets `write` set them. What `write` leaves by an exception
+/// holds none.
+template <typename Write>
+void writeBits(weft::BitArrayValue& bits, uint32_t count, Write write) {
+    bits.resize(count, false);
+    try {
+        write();
+    } catch (...) {
+        bits.resize(0, false);
+        throw;
+    }
 }
 
 /// Reports "Input is null at position %d" on the node.

@@ -4,6 +4,7 @@
 
 #include "core/bit_array.h"
 #include "graph/define_node.h"
+#include "nodes/values/arrays/array_elements.h"
 #include "nodes/values/curves/curve_tools.h"
 
 namespace tidemark::sluice::graph {
@@ -90,32 +91,39 @@ public:
 private:
     // Calls `write` with index and key of every element that is not null.
     template <typename Write>
-    void forEachKey(Attribute& out, Write write) {
+    void forEachKey(Write write) {
         WorkMeter meter(*networkManager());
         for (uint32_t i = 0; i < key_->pointers().size(); ++i) {
             if (const PointInfo* key = key_->keyAt(i)) write(i, *key);
             meter.add(1);
         }
+    }
+    void written(Attribute& out) {
         out.valueChanged();
         setAttributeIsClean(&out, true);
     }
 
+    // Null keys leave their entries as they were, here and below.
     template <typename T, typename Read>
     void writeNumbers(NumericAttribute& out, const Attribute* asked, Read read) {
         weft::Numeric* target = out.numericTarget();
         if (!target || !isWritten(out, asked)) return;
-        target->resize(key_->pointers().size());
-        forEachKey(out,
-                   [&](uint32_t i, const PointInfo& key) { target->setValueAt<T>(i, read(key)); });
+        writeElements<T>(*target, {}, [&](Array<T>& numbers) {
+            numbers.resize(key_->pointers().size());
+            forEachKey([&](uint32_t i, const PointInfo& key) { numbers[i] = read(key); });
+        });
+        written(out);
     }
 
     void writeUnify(const Attribute* asked) {
         weft::BitArrayValue* target = unify_->bitsTarget();
         if (!target || !isWritten(*unify_, asked)) return;
-        target->resize(key_->pointers().size(), false);
-        forEachKey(*unify_, [&](uint32_t i, const PointInfo& key) {
-            target->setBit(i, key.unifiesTangents());
+        writeBits(*target, key_->pointers().size(), [&] {
+            forEachKey([&](uint32_t i, const PointInfo& key) {
+                target->setBit(i, key.unifiesTangents());
+            });
         });
+        written(*unify_);
     }
 
     KeyAttribute* key_;
@@ -165,6 +173,7 @@ public:
             key.setUnifiesTangents(unify_->bits().valueAt(i));
         });
         outKey_->valueChanged();
+        setAttributeIsClean(outKey_, true);
     }
 
 private:

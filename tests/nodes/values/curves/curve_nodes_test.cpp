@@ -510,6 +510,19 @@ TEST_F(CurveNodesTest, EmptyBehavioursStoreMinusOne) {
     EXPECT_EQ(-1, second_.postBehaviour());
 }
 
+TEST_F(CurveNodesTest, EmptyExpressionsAndBitsAreTheirDefaults) {
+    net_.add("SetCurveProperties", "s");
+    ASSERT_TRUE(first_.setExpression("t"));
+    first_.setExpressionPlusSpline(true);
+    curves("s.curve", {&first_});
+    feed<const char*>("s.expression", "String", "out", {});
+    feed<bool>("s.expression plus spline", "Bit", "bit", {});
+    pointers("s.out curve");
+    EXPECT_EQ("", first_.getExpression());
+    EXPECT_FALSE(first_.hasExpressionPlusSpline());
+    EXPECT_EQ("", net_.messages("s"));
+}
+
 TEST_F(CurveNodesTest, ASourceMayLieBehindPassThroughs) {
     net_.add("SetCurveProperties", "s");
     net_.add("Sleep", "empty");
@@ -626,6 +639,159 @@ TEST_F(CurveNodesTest, MovedKeysKeepTheirPlaceInTheCurve) {
     reals("s.x", {5, 4, 3});
     pointers("s.out key");
     EXPECT_EQ("5 4 3 ", times(first_));
+}
+
+TEST_F(CurveNodesTest, EmptyPropertiesStoreTheDefault) {
+    net_.add("SetKeyProperties", "s");
+    PointInfo key(1, 2, tm_spline::step);
+    key.setUnifiesTangents(true);
+    keys("s.key", {&key});
+    reals("s.x", {});
+    integers("s.type", {});
+    feed<bool>("s.unify tan", "Bit", "bit", {});
+    pointers("s.out key");
+    EXPECT_EQ(0.0, key.x());
+    EXPECT_EQ(2.0, key.y());
+    EXPECT_EQ(tm_spline::linear, key.type());
+    EXPECT_FALSE(key.unifiesTangents());
+    EXPECT_EQ("[warning] Attributes 'key' and 'x' size differs. (1, 0)\n"
+              "[warning] Attributes 'key' and 'type' size differs. (1, 0)\n"
+              "[warning] Attributes 'key' and 'unify tan' size differs. (1, 0)\n",
+              net_.messages("s"));
+}
+
+TEST_F(CurveNodesTest, OneUpdateFillsTheConnectedPropertiesOfKeys) {
+    net_.add("GetKeyProperties", "g");
+    net_.add("Bit", "unify");
+    net_.add("Integer", "type");
+    PointInfo a(1, 2), b(3, 4, tm_spline::step);
+    b.setUnifiesTangents(true);
+    keys("g.key", {&a, &b});
+    ASSERT_TRUE(net_.link("g.unify tan", "unify.in"));
+    ASSERT_TRUE(net_.link("g.type", "type.in"));
+    net_.refresh("g.type");
+    EXPECT_EQ("[1] 1,3", net_.pin("g.type").value()->asString());
+    EXPECT_EQ("01", net_.pin("g.unify tan").value()->asString());
+    EXPECT_TRUE(net_.pin("g.unify tan").isClean());
+    EXPECT_EQ("[3] 0", net_.pin("g.x").value()->asString());
+    EXPECT_FALSE(net_.pin("g.x").isClean());
+}
+
+// --- messages, clean outputs ---------------------------------------------------------------------
+
+// Each node with one output, and what it says of an input that is null.
+struct Said {
+    const char* type;
+    const char* output;
+    const char* message;
+    bool goesOn;
+};
+constexpr Said saidOfNull[] = {
+    {"GetCurveKeys", "keys", "Input Curve is null", false},
+    {"CurveEval", "result", "Input Curve is null", false},
+    {"CurveAddKey", "out curve", "Input 'curve' is null", false},
+    {"CurveRemoveKey", "out curve", "Input 'curve' is null", false},
+    {"CurveRemoveKeysAll", "out curve", "Input is null at position 0", true},
+    {"CurveEulerFilter", "out curve", "Input is null at position 0", true},
+    {"GetCurveProperties", "key count", "Input is null at position 0", true},
+    {"SetCurveProperties", "out curve", "Input is null at position 0", true},
+    {"GetKeyProperties", "x", "Input is null at position 0", true},
+    {"SetKeyProperties", "out key", "Input is null at position 0", true},
+};
+
+TEST_F(CurveNodesTest, NullsAreErrorsInTheSystemsWords) {
+    for (const auto& [type, output, message, goesOn] : saidOfNull) {
+        net_.add(type, type);
+        weft::Attribute& pin = net_.pin(TM_String(type) + "." + output);
+        net_.node(type).doUpdate(&pin);
+        EXPECT_EQ(TM_String("[error] ") + message + "\n", net_.messages(type)) << type;
+        EXPECT_EQ(goesOn, pin.isClean()) << type;
+    }
+    for (const char* type : {"CurveAddKey", "CurveRemoveKey"}) {
+        net_.node(type).refMessages().clear();
+        curves(TM_String(type) + ".curve", {&first_});
+        net_.node(type).doUpdate(&net_.pin(TM_String(type) + ".out curve"));
+        EXPECT_EQ("[error] Input 'key' is null at position 0\n", net_.messages(type)) << type;
+    }
+}
+
+TEST_F(CurveNodesTest, WrittenOutputsAreClean) {
+    PointInfo key(1, 2);
+    for (const Said& node : saidOfNull) {
+        net_.add(node.type, node.type);
+        weft::Attribute& in = *net_.node(node.type).inputAttributeAt(0);
+        if (in.name() == "key") {
+            keys(TM_String(node.type) + ".key", {&key});
+        } else {
+            curves(TM_String(node.type) + ".curve", {&first_});
+        }
+        weft::Attribute& pin = net_.pin(TM_String(node.type) + "." + node.output);
+        net_.node(node.type).doUpdate(&pin);
+        EXPECT_TRUE(pin.isClean()) << node.type;
+    }
+    net_.add("Key", "k");
+    net_.node("k").doUpdate(&net_.pin("k.key"));
+    EXPECT_TRUE(net_.pin("k.key").isClean());
+}
+
+TEST_F(CurveNodesTest, AReaderBehindAnUpdateDoesNotRepeatIt) {
+    net_.add("Key", "k");
+    net_.add("CurveAddKey", "a");
+    net_.add("GetCurveProperties", "g");
+    curves("a.curve", {&first_});
+    ASSERT_TRUE(net_.link("k.key", "a.key"));
+    ASSERT_TRUE(net_.link("a.out curve", "g.curve"));
+    net_.node("a").doUpdate(&net_.pin("a.out curve"));
+    EXPECT_EQ("[1] 1", net_.text("g.key count"));
+    EXPECT_EQ("0 ", times(first_));
+}
+
+TEST_F(CurveNodesTest, NullsLeaveTheirEntriesAsTheyWere) {
+    net_.add("GetCurveProperties", "c");
+    add(first_, {{0, 0}, {1, 1}});
+    ASSERT_TRUE(first_.setExpression("t"));
+    curves("c.curve", {&first_, &second_});
+    EXPECT_EQ("[1] 2,0", net_.text("c.key count"));
+    EXPECT_EQ("t|", net_.list("c.expression"));
+    EXPECT_EQ("10", net_.text("c.has expression"));
+    curves("c.curve", {nullptr, &first_});
+    EXPECT_EQ("[1] 2,2", net_.text("c.key count"));
+    EXPECT_EQ("t|t", net_.list("c.expression"));
+    EXPECT_EQ("11", net_.text("c.has expression"));
+    net_.add("GetKeyProperties", "k");
+    PointInfo a(1, 2), b(3, 4);
+    keys("k.key", {&a, &b});
+    EXPECT_EQ("[3] 1,3", net_.text("k.x"));
+    keys("k.key", {nullptr, &a});
+    EXPECT_EQ("[3] 1,1", net_.text("k.x"));
+}
+
+// What was not computed is not shown.
+TEST_F(CurveNodesTest, InterruptedResultsAreEmpty) {
+    constexpr uint32_t count = 600000;
+    PointInfo key(1, 2);
+    net_.add("CurveEval", "CurveEval");
+    net_.add("GetCurveProperties", "GetCurveProperties");
+    net_.add("GetKeyProperties", "GetKeyProperties");
+    curves("CurveEval.curve", {&first_});
+    net_.as<weft::NumericAttribute>("CurveEval.time").ownNumeric().resize(count);
+    auto& many = net_.as<weft::CurveAttribute>("GetCurveProperties.curve").ownPointers();
+    auto& manyKeys = net_.as<weft::KeyAttribute>("GetKeyProperties.key").ownPointers();
+    many.refValues().resize(count, &first_);
+    manyKeys.refValues().resize(count, &key);
+    net_.manager().setEvaluating(true);
+    for (const char* type : {"CurveEval", "GetCurveProperties", "GetKeyProperties"}) {
+        weft::Node& node = net_.node(type);
+        for (weft::Attribute* output : node.refOutputAttributes()) {
+            EXPECT_NO_THROW(node.update(output));
+            EXPECT_EQ(count, output->currentValue()->size()) << output->name();
+            net_.manager().requestInterrupt();
+            EXPECT_ANY_THROW(node.update(output)) << output->name();
+            net_.manager().clearInterrupt();
+            EXPECT_EQ(0u, output->currentValue()->size()) << output->name();
+        }
+    }
+    net_.manager().setEvaluating(false);
 }
 
 // --- bad input -----------------------------------------------------------------------------------

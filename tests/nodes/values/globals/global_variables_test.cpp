@@ -214,6 +214,24 @@ TEST_F(GlobalVariables, AnEmptyNameIsReportedAndNothingHappens) {
                                   "Extra elements will be ignored\n[error] Name left empty\n");
 }
 
+TEST_F(GlobalVariables, AnEmptyNameLeavesTheOutputsToBeComputed) {
+    SettingNet setting("");
+    GettingNet getting("");
+    for (const bool quiet : {false, true}) {
+        for (const auto& [net, name] :
+             {std::pair<LogicNet*, const char*>{&setting, "s"}, {&getting, "g"}}) {
+            Node& node = net->node(name);
+            node.refMessages().clear();
+            node.refMessages().setVerbosityLevel(quiet ? 1 : 3);
+            for (Attribute* output : node.refOutputAttributes()) {
+                node.doUpdate(output);
+                EXPECT_FALSE(output->isClean()) << output->name();
+            }
+            EXPECT_EQ(net->messages(name).empty(), quiet);
+        }
+    }
+}
+
 TEST_F(GlobalVariables, OnlyTheFirstNameCounts) {
     SettingNet net("a");
     net.strings("s.name", {"a", "b"});
