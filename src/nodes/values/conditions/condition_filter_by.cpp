@@ -65,38 +65,55 @@ public:
         condition_->pull();
         if (!checkSpecialization(value_)) return;
         value_->pull();
-        switch (value_->numeric().type()) {
+        const Numeric& values = value_->numeric();
+        switch (values.type()) {
         case NumericType::integer:
+            return filter<int32_t>(values, asked);
         case NumericType::integer64:
-            return filter<int32_t>(asked);
+            return filterAsIntegers(values, asked);
         case NumericType::real:
-            return filter<float>(asked);
+            return filter<float>(values, asked);
         case NumericType::vector3:
-            return filter<Vector3<float>>(asked);
+            return filter<Vector3<float>>(values, asked);
         case NumericType::color4:
-            return filter<Color4<float>>(asked);
+            return filter<Color4<float>>(values, asked);
         case NumericType::matrix4:
-            return filter<Matrix4<float>>(asked);
+            return filter<Matrix4<float>>(values, asked);
         default:
             return;
         }
     }
 
 private:
+    // A number of 64 bits counts by the integers that it holds as well: fewer or a single one, and
+    // the last one repeats.
+    void filterAsIntegers(const Numeric& values, const Attribute* asked) {
+        const weft::Retained<Numeric> integers(new Numeric(networkManager()));
+        integers->setType(NumericType::integer);
+        integers->resize(values.size());
+        Array<int32_t>& elements = integers->refValues<int32_t>();
+        WorkMeter meter(*networkManager());
+        inPieces(elements.size(), meter, [&](uint64_t first, uint64_t end) {
+            for (auto i = static_cast<uint32_t>(first); i < end; ++i) {
+                elements[i] = values.valueAt<int32_t>(i);
+            }
+        });
+        filter<int32_t>(*integers, asked);
+    }
+
     template <typename T>
-    void filter(const Attribute* asked) {
+    void filter(const Numeric& values, const Attribute* asked) {
         const ConditionValue* condition = condition_->condition();
         RightSide<T> right;
         if (!condition || !readRightSide(*condition, right)) {
             pushError("Condition value type not compatible");
             return;
         }
-        const Numeric& values = value_->numeric();
         FilterTargets targets;
         if (isNeeded(*result_, asked)) targets.result = result_->numericTarget();
         if (isNeeded(*mask_, asked)) targets.mask = mask_->bitsTarget();
         // In place it is what fails that stays: graphs were made for it.
-        targets.keepsFailing = targets.result == &values;
+        targets.keepsFailing = targets.result == &value_->numeric();
         targets.isResultRead =
             targets.keepsFailing || targets.result == condition->getNumericValue();
         filterElements(values, right, testOf<T>(*condition), targets, *networkManager());

@@ -2,6 +2,7 @@
 // Filters that compare two arrays.
 #include <gtest/gtest.h>
 
+#include "core/network_manager.h"
 #include "nodes/values/conditions/condition_net.h"
 
 namespace {
@@ -50,13 +51,24 @@ TEST(ConditionFilterByComparison, MoreOnTheRightDoNotCount) {
     EXPECT_EQ("[1] 1 1", filteredBy("ConditionFilterByEqualTo", "[1] 1", "[1] 1,2,3"));
 }
 
-TEST(ConditionFilterByComparison, EmptySecondIsTheDefault) {
+template <typename T>
+TM_String filteredByNothing(const TM_String& value0) {
     ConditionNet net;
     net.add("ConditionFilterByEqualTo", "f");
-    net.set("f.value0", "[1] 0,1");
-    net.type("f.value1", "Integer");
-    net.numbers<int32_t>("f.value1", {});
-    EXPECT_EQ("[1] 0 10", net.filtered());
+    net.set("f.value0", value0);
+    net.type("f.value1", weft::nameOf(weft::numericTypeFor<T>));
+    net.numbers<T>("f.value1", {});
+    return net.filtered();
+}
+
+TEST(ConditionFilterByComparison, EmptySecondIsTheDefault) {
+    EXPECT_EQ("[1] 0 10", filteredByNothing<int32_t>("[1] 0,1"));
+    EXPECT_EQ("[3] 0 01", filteredByNothing<float>("[3] 1,0"));
+    EXPECT_EQ("[4] (0,0,0) 01", filteredByNothing<tidemark::Vector3<float>>("[4] (0,0,1),(0,0,0)"));
+    EXPECT_EQ("[5] (0,0,0,1) 01",
+              filteredByNothing<tidemark::Color4<float>>("[5] (0,0,0,0),(0,0,0,1)"));
+    const TM_String identity = "[7] (1,0,0,0,0,1,0,0,0,0,1,0,0,0,0,1)";
+    EXPECT_EQ(identity + " 1", filteredByNothing<tidemark::Matrix4<float>>(identity));
 }
 
 TEST(ConditionFilterByComparison, EmptyFirstGivesNothing) {
@@ -125,6 +137,78 @@ TEST(ConditionFilterByComparison, OneUpdateServesBothOutputs) {
     EXPECT_EQ("[3] 1,1", net.text("f.result"));
     EXPECT_FALSE(net.pin("f.mask").isClean());
     EXPECT_EQ("1", net.pin("f.mask").value()->asString());
+}
+
+TEST(ConditionFilterByComparison, UnwantedResultIsNotComputed) {
+    ConditionNet net;
+    net.add("ConditionFilterByEqualTo", "f");
+    net.set("f.value0", "[3] 1,2");
+    net.set("f.value1", "[3] 2");
+    net.pin("f.result").setToBeEvaluated(false);
+    EXPECT_EQ("01", net.text("f.mask"));
+    EXPECT_FALSE(net.pin("f.result").isClean());
+    EXPECT_EQ("[3] 0", net.pin("f.result").value()->asString());
+}
+
+TEST(ConditionFilterByComparison, ReadersHearOfBothOutputs) {
+    ConditionNet net;
+    net.add("ConditionFilterByEqualTo", "f");
+    net.add("ArraySize", "of result");
+    net.add("ArraySize", "of mask");
+    net.link("f.result", "of result.array");
+    net.link("f.mask", "of mask.array");
+    net.set("f.value0", "[3] 1,2,1");
+    net.set("f.value1", "[3] 1");
+    EXPECT_EQ("[1] 2", net.text("of result.size"));
+    EXPECT_EQ("[1] 3", net.text("of mask.size"));
+    net.set("f.value0", "[3] 2,1");
+    EXPECT_EQ("[1] 1", net.text("of result.size"));
+    EXPECT_EQ("[1] 2", net.text("of mask.size"));
+}
+
+TEST(ConditionFilterByComparison, ResultFollowsTheTypeOfTheFirst) {
+    ConditionNet net;
+    net.add("ConditionFilterByEqualTo", "f");
+    net.add("Vector3", "v");
+    ASSERT_TRUE(net.link("v.vector", "f.value1"));
+    EXPECT_FALSE(net.pin("f.result").isSpecialized());
+    ASSERT_TRUE(net.link("v.vector", "f.value0"));
+    EXPECT_EQ("Vector3", net.pin("f.result").specialization());
+}
+
+TEST(ConditionFilterByComparison, SomethingElseOnThePinIsLeftAlone) {
+    ConditionNet net;
+    net.add("Real", "r");
+    net.add("String", "s");
+    net.add("ConditionIf", "i");
+    net.add("ConditionFilterByEqualTo", "f");
+    ASSERT_TRUE(net.link("r.real", "i.true value"));
+    ASSERT_TRUE(net.link("s.out", "i.false value"));
+    ASSERT_TRUE(net.link("i.value", "f.value0"));
+    net.set("f.value1", "[3] 0");
+    net.refresh("f.value0");
+    net.node("f").doUpdate(&net.pin("f.mask"));
+    EXPECT_FALSE(net.pin("f.mask").isClean());
+    net.bits("i.condition", {true});
+    EXPECT_EQ("[3] 0 1", net.filtered());
+    EXPECT_EQ("", net.messages("f"));
+}
+
+TEST(ConditionFilterByComparison, LongWorkAnswersAnInterrupt) {
+    ConditionNet net;
+    net.add("ConditionFilterByLessThan", "f");
+    net.type("f.value0", "Real");
+    net.set("f.value1", "[3] 1");
+    net.as<weft::NumericAttribute>("f.value0").ownNumeric().resize(3000000);
+    net.manager().setEvaluating(true);
+    for (const bool isResultWanted : {true, false}) {
+        net.pin("f.result").setToBeEvaluated(isResultWanted);
+        net.manager().requestInterrupt();
+        EXPECT_THROW(net.node("f").doUpdate(&net.pin("f.mask")), std::exception);
+        net.manager().clearInterrupt();
+        EXPECT_NO_THROW(net.node("f").doUpdate(&net.pin("f.mask")));
+    }
+    net.manager().setEvaluating(false);
 }
 
 TEST(ConditionFilterByComparison, InPlaceItKeepsWhatHolds) {

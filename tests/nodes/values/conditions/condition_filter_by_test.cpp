@@ -221,6 +221,80 @@ TEST(ConditionFilterBy, OtherTypesDoNotCompare) {
     }
 }
 
+TEST(ConditionFilterBy, NumbersOf64BitsCompareByTheirLowHalf) {
+    ConditionNet net;
+    net.filterBy("ConditionEqualTo");
+    net.set("f.value", "[1] 3,4,5");
+    net.set("c.value", "[1] 0");
+    net.as<weft::NumericAttribute>("c.value").ownNumeric().setType(weft::NumericType::integer64);
+    net.numbers<int64_t>("c.value", {3, (int64_t(1) << 32) + 4, 6});
+    EXPECT_EQ("[1] 3,4 110", net.filtered());
+    net.set("f.value", "[3] 3,4,6");
+    EXPECT_EQ("[3] 3,6 101", net.filtered());
+    EXPECT_EQ("", net.messages("f"));
+}
+
+TEST(ConditionFilterBy, QuaternionsDoNotCompare) {
+    ConditionNet net;
+    net.filterBy("ConditionEqualTo");
+    net.set("c.value", "[5] (0,0,0,1)");
+    net.as<weft::NumericAttribute>("c.value").ownNumeric().setType(weft::NumericType::quaternion);
+    net.set("f.value", "[5] (0,0,0,1)");
+    net.refresh("f.result");
+    EXPECT_EQ("[error] Condition value type not compatible\n", net.messages("f"));
+}
+
+TEST(ConditionFilterBy, ExtremesOfIntegersCompareExactly) {
+    const TM_String values = "[1] -2147483648,2147483646,2147483647";
+    EXPECT_EQ("[1] 2147483647 001", filtered("ConditionEqualTo", "[1] 2147483647", values));
+    EXPECT_EQ("[1] -2147483648 100", filtered("ConditionLessThan", "[1] 0", values));
+    EXPECT_EQ("[1] 2147483646,2147483647 011",
+              filtered("ConditionGreaterThan", "[1] -2147483648", values));
+}
+
+TEST(ConditionFilterBy, OneComponentThatIsNoNumberFailsTheElement) {
+    for (int code = 0; code < 6; ++code) {
+        ConditionNet net;
+        net.filterBy("ConditionGeneric");
+        net.as<weft::EnumAttribute>("c.type").ownEnum().setKey(code);
+        net.set("c.value", "[4] (1,1,1)");
+        net.set("f.value", "[4] (1,1,1)");
+        net.numbers<Vector3<float>>("f.value", {{1, notANumber, 1}, {1, 1, notANumber}});
+        EXPECT_EQ(code == 1 ? "11" : "00", net.text("f.mask")) << code;
+    }
+}
+
+// Such a number holds one element of 32 bits, which stands for all.
+TEST(ConditionFilterBy, NumbersOf64BitsAreReadAsIntegers) {
+    ConditionNet net;
+    net.filterBy("ConditionEqualToConstant");
+    net.set("c.value", "[1] 7");
+    net.set("f.value", "[1] 7");
+    auto& number = net.as<weft::NumericAttribute>("f.value").ownNumeric();
+    number.setType(weft::NumericType::integer64);
+    number.setValues(Array<int64_t>{1, 2, 3});
+    net.pin("f.value").markDirty(true);
+    EXPECT_EQ("[1] 7,7,7 111", net.filtered());
+    EXPECT_EQ("", net.messages("f"));
+}
+
+TEST(ConditionFilterBy, OtherNumbersAreLeftAlone) {
+    ConditionNet net;
+    net.filterBy("ConditionEqualTo");
+    EXPECT_EQ("[3] 2 01", net.filtered("[3] 2", "[3] 1,2"));
+    auto& number = net.as<weft::NumericAttribute>("f.value").ownNumeric();
+    for (const auto type : {weft::NumericType::quaternion, weft::NumericType::none}) {
+        number.setType(type);
+        net.pin("f.value").markDirty(true);
+        net.node("f").doUpdate(&net.pin("f.result"));
+        EXPECT_FALSE(net.pin("f.result").isClean());
+        EXPECT_FALSE(net.pin("f.mask").isClean());
+        EXPECT_EQ("[3] 2", net.pin("f.result").value()->asString());
+        EXPECT_EQ("01", net.pin("f.mask").value()->asString());
+    }
+    EXPECT_EQ("", net.messages("f"));
+}
+
 TEST(ConditionFilterBy, RefusalLeavesTheOutputsAsTheyWere) {
     ConditionNet net;
     net.filterBy("ConditionEqualToConstant");
@@ -369,6 +443,13 @@ TEST_F(InPlace, ComparesWithWhatTheArrayWas) {
     EXPECT_EQ("000", net.pin("f.mask").value()->asString());
 }
 
+TEST_F(InPlace, WhatIsNoComparisonKeepsAll) {
+    net.numbers<float>("r.in", {1, 2, 3});
+    net.condition("c.condition").setConditionType(static_cast<Type>(12));
+    EXPECT_EQ("[3] 1,2,3", net.text("f.result"));
+    EXPECT_EQ("000", net.pin("f.mask").value()->asString());
+}
+
 TEST_F(InPlace, LongArraysKeepTheirOrder) {
     std::vector<float> kept;
     Array<float> values;
@@ -382,6 +463,34 @@ TEST_F(InPlace, LongArraysKeepTheirOrder) {
     net.refresh("f.result");
     const auto& result = net.as<weft::NumericAttribute>("f.result").numeric().values<float>();
     EXPECT_EQ(kept, std::vector<float>(result.begin(), result.end()));
+}
+
+TEST(ConditionFilterByInPlace, IntegersToo) {
+    ConditionNet net;
+    net.filterBy("ConditionGreaterThan");
+    net.set("c.value", "[1] 2");
+    net.set("f.value", "[1] 1,3,2,4");
+    net.pin("f.value").addPassThrough(&net.pin("f.result"));
+    EXPECT_EQ("[1] 1,2", net.text("f.result"));
+}
+
+TEST(ConditionFilterByInPlace, BehindAChoice) {
+    ConditionNet net;
+    net.filterBy("ConditionGreaterThan");
+    net.set("c.value", "[3] 2");
+    net.add("ConditionIf", "i");
+    net.add("Real", "yes");
+    net.add("Real", "no");
+    net.link("yes.real", "i.true value");
+    net.link("no.real", "i.false value");
+    net.link("i.value", "f.value");
+    net.pin("f.value").addPassThrough(&net.pin("f.result"));
+    net.numbers<float>("yes.in", {1, 2, 3});
+    net.numbers<float>("no.in", {0, 9});
+    EXPECT_EQ("[3] 0", net.text("f.result"));
+    net.bits("i.condition", {true});
+    EXPECT_EQ("[3] 1,2", net.text("f.result"));
+    EXPECT_EQ("[3] 1,2", net.pin("yes.real").value()->asString());
 }
 
 TEST(ConditionFilterByInPlace, StructuredElementsToo) {

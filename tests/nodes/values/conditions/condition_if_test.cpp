@@ -115,6 +115,29 @@ TEST_F(ConditionIf, AllowedTypesFollowTheTrueValue) {
     EXPECT_EQ(2u, net.pin("i.value").specializations().size());
 }
 
+TEST_F(ConditionIf, AllowedTypesFollowAChoiceOfType) {
+    net.pin("i.true value").setAllowedSpecializations({"Real", "Integer"});
+    net.type("i.true value", "Integer");
+    EXPECT_EQ(2u, net.pin("i.value").allowedSpecializations().size());
+    EXPECT_EQ("Integer", net.pin("i.value").specialization());
+}
+
+TEST_F(ConditionIf, ChoosesAmongChoices) {
+    linkBoth();
+    net.add("ConditionIf", "outer");
+    net.add("Real", "other");
+    net.numbers<float>("other.in", {7});
+    ASSERT_TRUE(net.link("i.value", "outer.true value"));
+    ASSERT_TRUE(net.link("other.real", "outer.false value"));
+    EXPECT_EQ("Real", net.pin("outer.value").specialization());
+    EXPECT_EQ("[3] 7", net.text("outer.value"));
+    net.bits("outer.condition", {true});
+    EXPECT_EQ("[3] 3", net.text("outer.value"));
+    net.bits("i.condition", {true});
+    EXPECT_EQ("[3] 1,2", net.text("outer.value"));
+    EXPECT_EQ(net.pin("yes.real").value(), net.pin("outer.value").value());
+}
+
 TEST_F(ConditionIf, ReaderOfAnotherTypeSeesItsFallback) {
     net.add("String", "s");
     net.add("StringInfo", "n");

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "core/network_manager.h"
 #include "nodes/values/conditions/condition_net.h"
 
 namespace {
@@ -90,6 +91,27 @@ TEST_F(ConditionIsZero, LongArrays) {
     net.as<weft::NumericAttribute>("z.value").ownNumeric().setValues(values);
     net.numbers<float>("z.tolerance", {0.015f});
     EXPECT_EQ(expected, net.text("z.mask"));
+}
+
+TEST_F(ConditionIsZero, OtherNumbersAreLeftAlone) {
+    EXPECT_EQ("10", mask("[1] 0,1", {0}));
+    auto& number = net.as<weft::NumericAttribute>("z.value").ownNumeric();
+    for (const auto type : {weft::NumericType::integer64, weft::NumericType::quaternion}) {
+        number.setType(type);
+        net.pin("z.value").markDirty(true);
+        EXPECT_EQ("10", net.text("z.mask"));
+    }
+    EXPECT_EQ("", net.messages("z"));
+}
+
+TEST_F(ConditionIsZero, LongWorkAnswersAnInterrupt) {
+    net.type("z.value", "Real");
+    net.as<weft::NumericAttribute>("z.value").ownNumeric().resize(3000000);
+    net.manager().setEvaluating(true);
+    net.manager().requestInterrupt();
+    EXPECT_THROW(net.node("z").doUpdate(&net.pin("z.mask")), std::exception);
+    net.manager().clearInterrupt();
+    net.manager().setEvaluating(false);
 }
 
 TEST_F(ConditionIsZero, UnspecializedValueIsReported) {

@@ -61,6 +61,45 @@ TEST(ConditionMakers, ConstantOfAnEmptyArrayIsTheDefault) {
     EXPECT_EQ("equal to [5] (0,0,0,1)", net.text("c.condition"));
 }
 
+TEST(ConditionMakers, NumbersThatNoConditionComparesLeaveTheConstant) {
+    for (const auto type : {weft::NumericType::integer64, weft::NumericType::quaternion}) {
+        ConditionNet net;
+        net.add("ConditionEqualToConstant", "c");
+        net.set("c.value", "[3] 2.5");
+        EXPECT_EQ("equal to [3] 2.5", net.text("c.condition"));
+        const weft::Retained<weft::Numeric> held(new weft::Numeric(&net.manager()));
+        ConditionValue& condition = net.condition("c.condition");
+        condition.setNumericValue(held.get());
+        condition.setConstant(false);
+        net.as<weft::NumericAttribute>("c.value").ownNumeric().setType(type);
+        net.pin("c.value").markDirty(true);
+        EXPECT_EQ("equal to [3] 2.5", net.text("c.condition"));
+        EXPECT_TRUE(condition.isConstant());
+        EXPECT_EQ(nullptr, condition.getNumericValue());
+    }
+}
+
+TEST(ConditionMakers, LosingTheTypeLeavesTheRightSide) {
+    for (const TM_String type : {"ConditionLessThan", "ConditionLessThanConstant"}) {
+        ConditionNet net;
+        net.add("Real", "r");
+        net.add(type, "c");
+        net.link("r.real", "c.value");
+        net.numbers<float>("r.in", {2.5f});
+        EXPECT_EQ("less than [3] 2.5", net.text("c.condition"));
+        ConditionValue& condition = net.as<ConditionAttribute>("c.condition").ownCondition();
+        const bool isConstant = condition.isConstant();
+        net.pin("c.value").disconnectSource();
+        condition.setConditionType(Type::equalTo);
+        net.node("c").doUpdate(&net.pin("c.condition"));
+        EXPECT_EQ("[error] input 'value' not specialized\n", net.messages("c"));
+        EXPECT_EQ("less than [3] 2.5", condition.asString()) << "the code is stored all the same";
+        EXPECT_FALSE(net.pin("c.condition").isClean());
+        EXPECT_EQ(isConstant, condition.isConstant());
+        EXPECT_EQ(isConstant, condition.getNumericValue() == nullptr);
+    }
+}
+
 TEST(ConditionMakers, ConstantOfManyWarnsAndTakesTheFirst) {
     ConditionNet net;
     net.add("Real", "r");
@@ -168,6 +207,38 @@ TEST(ConditionGeneric, TakesNumbersAndLabels) {
     ASSERT_TRUE(net.link("s.out", "c.type"));
     net.strings("s.in", {"greater or equal than"});
     EXPECT_EQ("[3] 2,3 011", net.filtered());
+}
+
+TEST(ConditionGeneric, StoresItsCodeWithoutATypeToo) {
+    ConditionNet net;
+    net.add("ConditionGeneric", "c");
+    net.as<weft::EnumAttribute>("c.type").ownEnum().setKey(3);
+    EXPECT_EQ("less or equal than", net.text("c.condition"));
+    EXPECT_EQ("[error] input 'value' not specialized\n", net.messages("c"));
+}
+
+TEST(ConditionGeneric, CodesOfConstantsCompareWithTheNumber) {
+    const TM_String masks[] = {"010", "101", "100", "110", "001", "011"};
+    ConditionNet net;
+    net.filterBy("ConditionGeneric");
+    net.add("Integer", "i");
+    net.link("i.integer", "c.type");
+    for (int32_t code = 6; code < 12; ++code) {
+        net.numbers<int32_t>("i.in", {code});
+        net.filtered("[3] 2", "[3] 1,2,3");
+        EXPECT_EQ(masks[code - 6], net.text("f.mask")) << code;
+    }
+}
+
+TEST(ConditionGeneric, TakesTheFirstOfManyCodes) {
+    ConditionNet net;
+    net.filterBy("ConditionGeneric");
+    net.as<weft::EnumAttribute>("c.type").ownEnum().refKeys() = {2, 5};
+    net.pin("c.type").valueChanged();
+    EXPECT_EQ("[3] 1 100", net.filtered("[3] 2", "[3] 1,2,3"));
+    EXPECT_EQ("[warning] size of attribute 'type' is different than 1 (2). Extra elements will be "
+              "ignored\n",
+              net.messages("c"));
 }
 
 TEST(ConditionGeneric, UnknownCodesHoldForNothing) {
