@@ -158,6 +158,22 @@ TEST_F(BitArrayTest, NullMaskOfValuesWithoutNullsIsAllFalse) {
     EXPECT_EQ(0u, bits_.size());
 }
 
+TEST_F(BitArrayTest, NullMaskIsAsLongAndAllFalse) {
+    set("1101");
+    const Retained<BitArrayValue> mask(new BitArrayValue(&manager_));
+    bits_.nullMask(*mask);
+    EXPECT_EQ("0000", mask->asString());
+    EXPECT_EQ("1101", bits_.asString());
+}
+
+TEST_F(BitArrayTest, EstimatedSizeIsThatOfTheWords) {
+    bits_.resize(1000, false);
+    EXPECT_EQ(32u, bits_.words().size());
+    EXPECT_GE(bits_.bitCapacity(), 1000u);
+    EXPECT_EQ(0u, bits_.bitCapacity() % 32);
+    EXPECT_EQ(bits_.bitCapacity() / 8, bits_.estimatedSize());
+}
+
 TEST_F(BitArrayTest, ElementLimitCountsBits) {
     tidemark::limits::set({.maxElements = 100});
     EXPECT_NO_THROW(bits_.resize(100, false));

@@ -49,6 +49,18 @@ TEST(ArrayBitToString, OutOfRangeIsReportedAndChangesNothing) {
               n.messages());
 }
 
+TEST(ArrayBitToString, OutOfRangeIsNotMarkedClean) {
+    BitNode n("ArrayBitToString");
+    n.set("array", "1011");
+    n.integer("first", 4);
+    n.node("n").doUpdate(&n.pin("n.string"));
+    EXPECT_FALSE(n.pin("n.string").isClean());
+    n.integer("first", 0);
+    n.integer("size", 5);
+    n.node("n").doUpdate(&n.pin("n.string"));
+    EXPECT_FALSE(n.pin("n.string").isClean());
+}
+
 TEST(ArrayBitToString, EmptyArrayHasNoFirstElement) {
     BitNode n("ArrayBitToString", "array");
     n.set("array", "");
@@ -99,6 +111,12 @@ TEST(ArrayBitFromString, EveryOtherCharacterIsOne) {
     n.strings("n.string", {"%n%s 0\xc3\xa4O"});
     EXPECT_EQ("111110111", n.get("bit array"));
     n.strings("n.string", {""});
+    EXPECT_EQ("", n.get("bit array"));
+}
+
+TEST(ArrayBitFromString, NoStringIsAnEmptyOne) {
+    BitNode n("ArrayBitFromString");
+    n.strings("n.string", {});
     EXPECT_EQ("", n.get("bit array"));
 }
 

@@ -147,6 +147,25 @@ TEST(ArrayBitBuildByIndex, EndsBehindTheLargestIndex) {
     EXPECT_EQ("", n.messages());
 }
 
+// One element more than an "Integer" can count.
+TEST(ArrayBitBuildByIndex, LargestIndex) {
+    BitNode n("ArrayBitBuildByIndex");
+    n.integers("index array", {2147483647, 7});
+    n.refresh("n.mask");
+    const BitArrayValue& mask = n.as<BitArrayAttribute>("n.mask").bits();
+    EXPECT_EQ(2147483648u, mask.size());
+    EXPECT_EQ(2u, mask.count());
+    n.add("ArrayBitInfo", "info");
+    ASSERT_TRUE(n.link("n.mask", "info.in"));
+    EXPECT_EQ("[1] 2147483647", n.text("info.size")) << "the nearest there is";
+    EXPECT_EQ("[1] 2147483646", n.text("info.count false"));
+    EXPECT_EQ("[1] 7", n.text("info.first true"));
+    EXPECT_EQ("[1] 2147483647", n.text("info.last true"));
+    n.add("ArrayIndexBuildFromMask", "positions");
+    ASSERT_TRUE(n.link("n.mask", "positions.mask"));
+    EXPECT_EQ("[1] 7,2147483647", n.text("positions.index"));
+}
+
 TEST(ArrayBitBuildByIndex, NoIndicesGiveNoMask) {
     BitNode n("ArrayBitBuildByIndex");
     n.integers("index array", {});

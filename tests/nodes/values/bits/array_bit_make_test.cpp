@@ -133,11 +133,27 @@ TEST(ArrayBitResize, NegativeSizeIsReportedAndChangesNothing) {
     EXPECT_EQ(negativeSize, n.messages());
 }
 
-TEST(ArrayBitResize, NegativeSizeIsNotMarkedClean) {
-    BitNode n("ArrayBitResize");
-    n.integer("size", -1);
-    n.node("n").doUpdate(&n.pin("n.out array"));
-    EXPECT_FALSE(n.pin("n.out array").isClean());
+TEST(ArrayBitsOfASize, NegativeSizeIsNotMarkedClean) {
+    for (const auto& [type, out] : {std::pair("ArrayBitResize", "n.out array"),
+                                    {"ArrayBitConstant", "n.array"},
+                                    {"ArrayBitRandom", "n.array"}}) {
+        BitNode n(type);
+        n.integer("size", -1);
+        n.node("n").doUpdate(&n.pin(out));
+        EXPECT_FALSE(n.pin(out).isClean()) << type;
+    }
+}
+
+TEST(ArrayBitsOfASize, LargestArraysWork) {
+    BitNode n("ArrayBitConstant");
+    n.set("bit", "1");
+    n.integer("size", 2147483647);
+    n.add("ArrayBitInfo", "info");
+    ASSERT_TRUE(n.link("n.array", "info.in"));
+    EXPECT_EQ("[1] 2147483647", n.text("info.size"));
+    EXPECT_EQ("[1] 2147483647", n.text("info.count true"));
+    EXPECT_EQ("[1] 2147483646", n.text("info.last true"));
+    EXPECT_EQ("[1] -1", n.text("info.last false"));
 }
 
 // ArrayBitRandom.

@@ -92,6 +92,14 @@ TEST(BitOperation, UnknownKeyIsReportedAndCopiesTheFirstOperand) {
     EXPECT_EQ("01", computed(n, "01", "1010"));
 }
 
+TEST(BitOperation, NoKeyIsAnUnknownOne) {
+    BitNode n("BitOperation");
+    n.as<EnumAttribute>("n.op").ownEnum().refKeys().clear();
+    n.pin("n.op").valueChanged();
+    EXPECT_EQ("1100", computed(n, "1100", "1010"));
+    EXPECT_NE(TM_String::npos, n.messages().find("[error] Unknown operation\n")) << n.messages();
+}
+
 TEST(BitOperation, TakesKeysFromIntegers) {
     BitNode n("BitOperation");
     n.add("Integer", "i");

@@ -2,6 +2,8 @@
 // Single bits of integers.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "nodes/values/bits/bit_node.h"
 
 namespace {
@@ -59,6 +61,9 @@ TEST(IntegerBitValue, SixtyFourBits) {
     n.numbers<int64_t>("n.integer", {int64_t(1) << 40, int64_t(1) << 40, -1, 1});
     n.integers("bit index", {40, 8, 63, 64});
     EXPECT_EQ("1011", n.get("bit"));
+    n.numbers<int64_t>("n.integer", {std::numeric_limits<int64_t>::min(), 1});
+    n.integers("bit index", {-1, -64});
+    EXPECT_EQ("11", n.get("bit")) << "negative indices wrap too";
 }
 
 TEST(IntegerBitValue, ManyIntegers) {
