@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cmath>
+#include <limits>
 
 #include "core/export.h"
 #include "core/types.h"
@@ -13,7 +14,7 @@ namespace tidemark::sluice::graph::vectors {
 
 /// Below this a squared cross product, or a dot product, counts as zero: the distance of 1 to the
 /// next float.
-constexpr double parallelTolerance = 1.1920929e-7;
+constexpr double parallelTolerance = std::numeric_limits<float>::epsilon();
 
 inline Vector3<double> inDouble(const Vector3<float>& v) { return {v.x, v.y, v.z}; }
 inline Vector3<float> inFloat(const Vector3<double>& v) {

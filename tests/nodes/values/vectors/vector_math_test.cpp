@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <numbers>
 
@@ -79,6 +80,16 @@ TEST(VectorMath, PerpendicularByTheDotProduct) {
     EXPECT_TRUE(arePerpendicular({1, 0, 0}, {-1.19e-7f, 1, 0}));
     EXPECT_FALSE(arePerpendicular({1, 0, 0}, {-1.2e-7f, 1, 0}));
     EXPECT_FALSE(arePerpendicular({1, 0, 0}, {NAN, 1, 0}));
+}
+
+// Exactly the single-precision epsilon is not below it.
+TEST(VectorMath, BoundOfBothIsTheEpsilon) {
+    constexpr float epsilon = std::numeric_limits<float>::epsilon();
+    EXPECT_FALSE(arePerpendicular({1, 0, 0}, {epsilon, 1, 0}));
+    EXPECT_TRUE(arePerpendicular({1, 0, 0}, {std::nextafter(epsilon, 0.0f), 1, 0}));
+    constexpr float half = 0x1p-12f; // of two equal parts of the cross product, squared
+    EXPECT_FALSE(areParallel({1, 0, 0}, {1, half, half}));
+    EXPECT_TRUE(areParallel({1, 0, 0}, {1, half, std::nextafter(half, 0.0f)}));
 }
 
 TEST(VectorMath, ShortVectorsAreBoth) {
