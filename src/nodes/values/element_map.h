@@ -179,6 +179,14 @@ void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Writ
     result.setSize(count);
 }
 
+// The bits of up to 32 elements, the first one lowest.
+template <typename Function, typename... A>
+uint32_t wordOf(uint32_t count, Function& function, const A*... in) {
+    uint32_t word = 0;
+    for (uint32_t i = 0; i < count; ++i) word |= uint32_t(function(in[i]...)) << i;
+    return word;
+}
+
 } // namespace element_map
 
 #undef SLUICE_INDEPENDENT_ELEMENTS
@@ -221,30 +229,33 @@ void mapBlocks(const weft::Node& node, double nanoseconds, weft::Numeric& result
         in, more...);
 }
 
-/// The same for a result of bits, on the calling thread.
+/// The same for a result of bits. Threads share the elements out by whole words, since two must not
+/// write into one.
 template <typename Function, typename... A>
-void mapBits(const weft::Node& node, weft::BitArrayValue& result, Function function,
-             std::span<const A>... in) {
+void mapBits(const weft::Node& node, double nanoseconds, weft::BitArrayValue& result,
+             Function function, std::span<const A>... in) {
+    constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
     const uint32_t count = resultCount({in.size()...});
     result.resize(count, false);
-    std::tuple<RepeatingReader<A>...> readers{RepeatingReader<A>(in)...};
-    constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
-    constexpr uint32_t elementsBetweenPolls = uint32_t(1) << 18;
-    for (uint32_t first = 0; first < count; first += bitsPerWord) {
-        const uint32_t length = std::min(bitsPerWord, count - first);
-        uint32_t word = 0;
-        std::apply(
-            [&](auto&... reader) {
-                const auto blocks = std::make_tuple(reader.block(first, length)...);
-                for (uint32_t i = 0; i < length; ++i) {
-                    std::apply(
-                        [&](const auto*... in) { word |= uint32_t(function(in[i]...)) << i; },
-                        blocks);
-                }
-            },
-            readers);
-        result.wordData()[first / bitsPerWord] = word;
-        if (first % elementsBetweenPolls == 0) node.networkManager()->pollInterrupt();
+    uint32_t* const words = result.wordData();
+    const auto compute = [&](uint32_t firstWord, uint32_t wordCount) {
+        std::tuple<RepeatingReader<A>...> readers{RepeatingReader<A>(in)...};
+        for (uint32_t w = firstWord; w < firstWord + wordCount; ++w) {
+            const uint32_t first = w * bitsPerWord;
+            const uint32_t length = std::min(bitsPerWord, count - first);
+            words[w] = std::apply(
+                [&](auto&... reader) {
+                    return element_map::wordOf(length, function, reader.block(first, length)...);
+                },
+                readers);
+        }
+    };
+    try {
+        forEachElement(node, result.words().size(), nanoseconds * bitsPerWord, compute);
+    } catch (...) {
+        // Nobody is to read what was not computed.
+        result.resize(0, false);
+        throw;
     }
 }
 

@@ -228,10 +228,33 @@ TEST_F(ElementMap, BitsOfAnyLength) {
         for (uint32_t i = 0; i < count; ++i) a.setValueAt(i, float(i % 3));
         weft::BitArrayValue bits(&net_.manager());
         mapBits(
-            nodeWithThreads(net_, 1), bits, [](float x, float y) { return x == y; },
+            nodeWithThreads(net_, 1), 1, bits, [](float x, float y) { return x == y; },
             elementsOf<float>(a), elementsOf<float>(number({1})));
         ASSERT_EQ(bits.size(), count);
         for (uint32_t i = 0; i < count; ++i) ASSERT_EQ(bits.testBit(i), i % 3 == 1) << i;
+    }
+}
+
+// No two threads write into one word.
+TEST(MapBits, DealsWordsOutToThreads) {
+    const RealThreads real;
+    LogicNet net;
+    weft::Node& node = nodeWithThreads(net, 3);
+    std::vector<float> numbers(1003);
+    for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = static_cast<float>(i % 7);
+    const std::vector<float> bound = {4, 3, 2};
+    weft::BitArrayValue bits(&net.manager());
+    Seen seen;
+    const auto isBelow = [&seen](float number, float most) {
+        seen.note(0, 1);
+        return number < most;
+    };
+    mapBits(node, 1, bits, isBelow, std::span<const float>(numbers), std::span<const float>(bound));
+    EXPECT_GT(seen.threads.size(), 1u);
+    EXPECT_EQ(numbers.size(), seen.pieces.size());
+    ASSERT_EQ(numbers.size(), bits.size());
+    for (uint32_t i = 0; i < bits.size(); ++i) {
+        EXPECT_EQ(numbers[i] < bound[std::min(i, 2u)], bits.testBit(i)) << i;
     }
 }
 

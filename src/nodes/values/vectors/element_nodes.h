@@ -140,7 +140,7 @@ private:
     void compute(std::index_sequence<i...>) {
         if constexpr (givesBits) {
             if (weft::BitArrayValue* target = output_->bitsTarget()) {
-                mapBits(*this, *target, Call(),
+                mapBits(*this, nanoseconds_, *target, Call(),
                         elementsOf<std::remove_cvref_t<A>>(inputs_[i]->numeric())...);
             }
             output_->valueChanged();

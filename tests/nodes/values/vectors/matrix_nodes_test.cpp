@@ -256,20 +256,54 @@ TEST(VectorThreads, ChangeNothing) {
         const auto number = static_cast<float>(i);
         vectors[i] = V3(number, 10 - number, number * 0.37f);
     }
-    for (const char* type : {"Vector3Length", "Vector3Normalize", "Vector3ToColor4",
-                             "Matrix4CreateRotationEuler", "Vector3ToComponents"}) {
+    for (const char* type :
+         {"Vector3Length", "Vector3Normalize", "Vector3ToColor4", "Matrix4CreateRotationEuler",
+          "Vector3ToComponents", "Vector3ArePerpendicular", "Vector3Interpolate"}) {
         TM_String serial;
         for (const int threads : {1, 2, 7}) {
             OneNode n(type);
-            n.node("n").setNumberOfThreads(threads);
-            n.as<NumericAttribute>("n.vector").ownNumeric().setValues(vectors);
-            n.pin("n.vector").valueChanged();
-            const Attribute& out = *n.node("n").refOutputAttributes()[0];
+            weft::Node& node = n.node("n");
+            node.setNumberOfThreads(threads);
+            n.as<NumericAttribute>("n." + node.inputAttributeAt(0)->name())
+                .ownNumeric()
+                .setValues(vectors);
+            if (type == TM_String("Vector3ArePerpendicular")) n.with("second", {V3(1, 1, 0)});
+            node.inputAttributeAt(0)->valueChanged();
+            const Attribute& out = *node.refOutputAttributes()[0];
             const TM_String text = n.text("n." + out.name());
             if (threads == 1) serial = text;
             EXPECT_EQ(serial, text) << type << " " << threads;
         }
     }
+}
+
+// The product of quaternions, left one first, is the product of their matrices the other way round.
+TEST(QuaternionNodes, ProductsTurnRoundAsMatrices) {
+    LogicNet net;
+    for (const char* name : {"a", "b"}) {
+        net.add("QuaternionFromAxisAngle", TM_String("q") + name);
+        net.add("SetMatrix4FromQuaternion", TM_String("m") + name);
+        ASSERT_TRUE(
+            net.link(TM_String("q") + name + ".quaternion", TM_String("m") + name + ".quaternion"));
+    }
+    net.numbers("qa.axis", {V3(1, 0, 0)});
+    net.numbers("qa.angle", {40.0f});
+    net.numbers("qb.axis", {V3(0, 1, 1)});
+    net.numbers("qb.angle", {70.0f});
+    net.add("Mul", "product");
+    net.add("SetMatrix4FromQuaternion", "m");
+    net.add("Mul", "matrices");
+    ASSERT_TRUE(net.link("qa.quaternion", "product.in0"));
+    ASSERT_TRUE(net.link("qb.quaternion", "product.in1"));
+    ASSERT_TRUE(net.link("product.result", "m.quaternion"));
+    ASSERT_TRUE(net.link("mb.matrix", "matrices.in0"));
+    ASSERT_TRUE(net.link("ma.matrix", "matrices.in1"));
+    net.refresh("m.matrix");
+    net.refresh("matrices.result");
+    const M4 ofProduct = net.as<NumericAttribute>("m.matrix").numeric().value<M4>();
+    const M4 ofMatrices = net.as<NumericAttribute>("matrices.result").numeric().value<M4>();
+    EXPECT_TRUE(ofProduct.equalWithAbsError(ofMatrices, 1e-6f));
+    EXPECT_FALSE(ofProduct.equalWithAbsError(M4(), 0.5f));
 }
 
 } // namespace
