@@ -73,6 +73,7 @@ public:
           ofBefore_((1 - tension) * (1 + bias) / 2), ofBehind_((1 - tension) * (1 - bias) / 2) {}
 
     T at(CurvePosition position) const {
+        if (last_ == 0) return points_[0]; // even if it is infinite
         const uint32_t k = position.segment;
         const float s = position.fraction;
         const float leave = s * (1 - s) * (1 - s); // how much of the tangent at the near point
@@ -108,6 +109,7 @@ public:
           lastTangent_(static_cast<uint32_t>(tangents.size()) - 1), influence_(influence) {}
 
     T at(CurvePosition position) const {
+        if (last_ == 0) return points_[0]; // as above
         const uint32_t k = position.segment;
         const float s = position.fraction;
         const float leave = 3 * s * (1 - s) * (1 - s) * influence_;

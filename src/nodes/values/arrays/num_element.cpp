@@ -42,6 +42,7 @@ public:
             "index", "The positions of the elements to read, from 0. A position outside the input "
                      "'array' reads the last element.");
         element_ = addOutput<NumericAttribute>("element", "One element for every position.");
+        setThreadingModeHintByElement();
         setAttributeAllowedSpecialization(index_, "Integer");
         setAttributeAffectedByAllInputs(element_);
         addAttributeSpecializationLink(array_, element_);
@@ -129,12 +130,19 @@ private:
         const std::span<const int32_t> index = elementsOf<int32_t>(index_->numeric());
         const ClampedElements<T> elements(elementsOf<T>(element_->numeric()));
         const auto count = static_cast<uint32_t>(index.size());
-        forEachStretch(*this, count, [&](uint32_t first, uint32_t end) {
+        const auto set = [&](uint32_t first, uint32_t end) {
             for (uint32_t i = first; i < end; ++i) {
                 const auto position = static_cast<uint32_t>(index[i]);
                 if (position < size) array[position] = elements[i];
             }
-        });
+        };
+        try {
+            forEachStretch(*this, count, set);
+        } catch (...) {
+            // In place the array is another node's.
+            if (!outArray_->isPassThrough()) showNothing<T>(target);
+            throw;
+        }
     }
 
     NumericAttribute* array_;

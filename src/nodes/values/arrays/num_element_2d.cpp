@@ -82,28 +82,47 @@ private:
         const std::span<const T> elements = elementsOf<T>(array_->numeric());
         const auto grid = gridOf(*this, elements.size(), width_->numeric().value<int32_t>());
         if (!grid) return;
+        const uint32_t count = resultCount(
+            {elementsOf<int32_t>(x_->numeric()).size(), elementsOf<int32_t>(y_->numeric()).size()});
+        try {
+            T* const found = begin<T>(*element_, asked, count);
+            look(elements, *grid, found, begin<int32_t>(*index_, asked, count), count);
+        } catch (...) {
+            drop<T>(*element_, asked);
+            drop<int32_t>(*index_, asked);
+            throw;
+        }
+        finish(*element_, asked, count);
+        finish(*index_, asked, count);
+    }
+
+    // Null where a result is not wanted.
+    template <typename T>
+    void look(std::span<const T> elements, GridSize grid, T* found, int32_t* positions,
+              uint32_t count) {
         const std::span<const int32_t> x = elementsOf<int32_t>(x_->numeric());
         const std::span<const int32_t> y = elementsOf<int32_t>(y_->numeric());
-        const uint32_t count = resultCount({x.size(), y.size()});
-        T* const found = begin<T>(*element_, asked, count);
-        int32_t* const positions = begin<int32_t>(*index_, asked, count);
         const T outside = filledElement<T>(0);
         forEachStretch(*this, count, [&](uint32_t first, uint32_t end) {
             for (uint32_t i = first; i < end; ++i) {
                 const int32_t column = x[std::min<std::size_t>(i, x.size() - 1)];
                 const int32_t row = y[std::min<std::size_t>(i, y.size() - 1)];
                 const int32_t position =
-                    wrappingAdd(wrappingMul(row, static_cast<int32_t>(grid->width)), column);
-                const bool isInside = static_cast<uint32_t>(column) < grid->width &&
-                                      static_cast<uint32_t>(row) < grid->height;
-                if (!isInside) pushError("Index out of bounds...");
+                    wrappingAdd(wrappingMul(row, static_cast<int32_t>(grid.width)), column);
+                const bool isInside = static_cast<uint32_t>(column) < grid.width &&
+                                      static_cast<uint32_t>(row) < grid.height;
+                if (!isInside) reportOutside();
                 if (positions) positions[i] = position;
                 if (found)
                     found[i] = isInside ? elements[static_cast<uint32_t>(position)] : outside;
             }
         });
-        finish(*element_, asked, count);
-        finish(*index_, asked, count);
+    }
+
+    // A message takes much longer than an element.
+    void reportOutside() {
+        pushError("Index out of bounds...");
+        networkManager()->pollInterrupt();
     }
 
     // Room for `count` elements, or null when the output is not wanted.
@@ -113,6 +132,12 @@ private:
         if (!target || !isNeeded(output, asked)) return nullptr;
         element_map::sizeForWriting(target->refValues<T>(), count);
         return target->refValues<T>().data();
+    }
+
+    template <typename T>
+    void drop(const NumericAttribute& output, const Attribute* asked) {
+        Numeric* target = output.numericTarget();
+        if (target && isNeeded(output, asked)) showNothing<T>(*target);
     }
 
     void finish(NumericAttribute& output, const Attribute* asked, uint32_t count) {
@@ -180,6 +205,7 @@ public:
                                              "1 the last one.");
         element_ = addOutput<NumericAttribute>("element", "The interpolated element at every "
                                                           "position.");
+        setThreadingModeHintByElement();
         const SpecializationList types{"Real", "Vector3", "Color4"};
         array_->setAllowedSpecializations(types);
         element_->setAllowedSpecializations(types);

@@ -59,7 +59,7 @@ public:
         min_ = addInput<NumericAttribute>("min", "The minimum of the random values, which is part "
                                                  "of the range.");
         max_ = addInput<NumericAttribute>("max", "The maximum of the random values. Integers may "
-                                                 "reach it, all other values stay below.");
+                                                 "reach it, all other values only by rounding.");
         seed_ = addInput<NumericAttribute>("seed", "Where the random sequence begins. The same "
                                                    "seed gives the same values.");
         array_ = addOutput<NumericAttribute>("array", "The array of random values.");
@@ -256,8 +256,12 @@ public:
 private:
     template <typename T>
     void make(uint32_t steps, Numeric& target) {
-        const EvenSteps<T> step(start_->numeric().value<T>(), end_->numeric().value<T>(),
-                                steps > 1 ? steps - 1 : 1);
+        const T start = start_->numeric().value<T>();
+        if (steps < 2) {
+            // Apart, because no step at all towards an infinite end would be not-a-number.
+            return generateElements<T>(*this, target, steps, [start](uint32_t) { return start; });
+        }
+        const EvenSteps<T> step(start, end_->numeric().value<T>(), steps - 1);
         generateElements<T>(*this, target, steps, step);
     }
 

@@ -108,6 +108,7 @@ protected:
         declareNumber(*equalSteppingParam_, {"Integer"}, 100);
         result_->setAllowedSpecializations(curveTypes());
         takeOneElement({equalStepping_, equalSteppingParam_});
+        setThreadingModeHintByElement();
         setAttributeAffectedByAllInputs(result_);
         addAttributeSpecializationLink(array_, result_);
     }
@@ -218,6 +219,7 @@ public:
         setAttributeAllowedSpecialization(t_, "Real");
         declareNumber(*influence_, {"Real"}, 1.0 / 3.0);
         takeOneElement({influence_});
+        setThreadingModeHintByElement();
         setAttributeAffectedByAllInputs(result_);
         addAttributeSpecializationLink(array_, result_);
         addAttributeSpecializationLink(tangents_, result_);

@@ -37,6 +37,7 @@ public:
         declareNumber(*blend_, {"Real"}, 0.5);
         result_->setAllowedSpecializations(types);
         takeOneElement({clamp_});
+        setThreadingModeHintByElement();
         setAttributeAffectedByAllInputs(result_);
         addAttributeSpecializationLink(first_, result_);
         addAttributeSpecializationLink(second_, result_);

@@ -44,17 +44,24 @@ void forEachStretch(const weft::Node& node, uint32_t count, Work work) {
     }
 }
 
+/// For what was not computed to its end, so that nobody reads it.
+template <typename T>
+void showNothing(weft::Numeric& target) {
+    target.refValues<T>().clear();
+    target.setSize(0);
+}
+
 /// Makes the array of `T` in `target` `count` elements long and sets each, in index order, to what
 /// `elementAt(index)` answers; then the size of `target`. What `elementAt` changes it refers to:
 /// the loop works with copies of it. Throws `std::bad_alloc` for what memory or the limits do not
-/// hold.
+/// hold. An interrupt leaves no elements.
 template <typename T, typename ElementAt>
 void generateElements(const weft::Node& node, weft::Numeric& target, uint32_t count,
                       ElementAt elementAt) {
     Array<T>& array = target.refValues<T>();
     element_map::sizeForWriting(array, count);
     T* const out = array.data();
-    forEachStretch(node, count, [&](uint32_t first, uint32_t end) {
+    const auto fill = [&](uint32_t first, uint32_t end) {
         ElementAt next(elementAt); // near at hand, whatever is written
         // In runs of a fixed length, which the compiler turns into vector instructions.
         constexpr uint32_t run = 16;
@@ -63,7 +70,13 @@ void generateElements(const weft::Node& node, weft::Numeric& target, uint32_t co
             for (uint32_t k = 0; k < run; ++k) out[i + k] = next(i + k);
         }
         for (; i < end; ++i) out[i] = next(i);
-    });
+    };
+    try {
+        forEachStretch(node, count, fill);
+    } catch (...) {
+        showNothing<T>(target);
+        throw;
+    }
     target.setSize(count);
 }
 

@@ -48,6 +48,7 @@ private:
             if (vectors::inverseMatrix(matrices[i])) continue;
             pushWarning(
                 text::format("Matrix at position %d is not invertible", static_cast<int>(i)));
+            networkManager()->pollInterrupt();
         }
     }
 

@@ -358,6 +358,8 @@ TEST(ArrayNumRange, FewSteps) {
     n.integer("steps", 1);
     n.numbers<float>("n.start", {3.5f});
     EXPECT_EQ("[3] 3.5", n.text("n.array"));
+    n.numbers<float>("n.end", {std::numeric_limits<float>::infinity()});
+    EXPECT_EQ("[3] 3.5", n.text("n.array")) << "wherever the end is";
     n.integer("steps", -1);
     n.numbers<float>("n.start", {4});
     EXPECT_EQ("[3] 3.5", n.text("n.array")) << "left alone";

@@ -264,6 +264,15 @@ TEST(CurveNodes, KnowEveryType) {
     }
 }
 
+TEST(CurveNodes, OnePointIsThatPointWhateverItIs) {
+    for (const char* type : curveNodes) {
+        Interpolation n(type, "Real");
+        const float infinity = std::numeric_limits<float>::infinity();
+        n.points<float>({infinity}).at({0, 0.5f, 1});
+        EXPECT_EQ((std::vector<float>{infinity, infinity, infinity}), n.reals()) << type;
+    }
+}
+
 TEST(CurveNodes, MissingInputIsAnErrorAndTheOutputStays) {
     for (const char* type : curveNodes) {
         Interpolation n(type, "Real");

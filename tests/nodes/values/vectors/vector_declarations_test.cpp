@@ -2,9 +2,11 @@
 // Pins, types, defaults and texts of the nodes over vectors, colours, quaternions and matrices.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <map>
 #include <vector>
 
+#include "core/exceptions.h"
 #include "nodes/values/declarations.h"
 #include "nodes/values/logic_net.h"
 
@@ -276,6 +278,33 @@ TEST(VectorSweep, OddNumbersAreSafe) {
         for (const weft::Attribute* out : node.refOutputAttributes()) {
             EXPECT_EQ(6u, out->value()->size()) << row.type << " " << out->name();
         }
+    }
+}
+
+// What was not computed is not shown, and the node goes on afterwards.
+TEST(VectorSweep, AnInterruptedResultIsEmpty) {
+    for (const Row& row : rows) {
+        LogicNet net;
+        weft::Node& node = net.add(row.type, "n");
+        node.setNumberOfThreads(1);
+        // More than is done between two questions for an interrupt.
+        const bool givesBits = node.refOutputAttributes()[0]->className() == "BitArrayAttribute";
+        const uint32_t count = givesBits ? 2'100'000 : 300'000;
+        weft::Attribute& in = *node.inputAttributeAt(0);
+        weft::valueAs<weft::Numeric>(in.value())->resize(count);
+        net.manager().setEvaluating(true);
+        for (weft::Attribute* out : node.refOutputAttributes()) {
+            for (weft::Attribute* other : node.refOutputAttributes()) {
+                other->setToBeEvaluated(other == out);
+            }
+            net.manager().requestInterrupt();
+            EXPECT_THROW(node.update(out), tidemark::TM_Exception) << row.type;
+            net.manager().clearInterrupt();
+            EXPECT_EQ(0u, out->value()->size()) << row.type << " " << out->name();
+            EXPECT_NO_THROW(node.update(out)) << row.type;
+            EXPECT_EQ(count, out->value()->size()) << row.type << " " << out->name();
+        }
+        net.manager().setEvaluating(false);
     }
 }
 
