@@ -11,12 +11,12 @@ namespace tidemark::sluice::graph {
 
 /// The selector that an attribute's own list settles on, or `none`: the value that it reads may not
 /// have settled yet.
-weft::NumericType selectorOf(const weft::Attribute& attribute);
+SLUICE_API weft::NumericType selectorOf(const weft::Attribute& attribute);
 
 /// What the pin shows until it is connected or set: `number` in every component of every type that
 /// the pin may have now, so call it after the allowed types were set. Integers take the integer
 /// part; quaternions and matrices stay the identity.
-void setDefault(weft::NumericAttribute& pin, double number);
+SLUICE_API void setDefault(weft::NumericAttribute& pin, double number);
 
 /// True when an update for `asked` has to compute `output`: it is the one asked for, or it is
 /// wanted in this run.
@@ -30,7 +30,7 @@ inline uint32_t largerSize(const weft::Value& a, const weft::Value& b) {
 }
 
 /// Copies what `in` shows to `out`, unless `out` shows it already.
-void copyUnlessPassedThrough(const weft::Attribute& in, const weft::Attribute& out);
+SLUICE_API void copyUnlessPassedThrough(const weft::Attribute& in, const weft::Attribute& out);
 
 /// Lets long work answer interrupts: counts characters and elements, and asks now and then.
 class WorkMeter {

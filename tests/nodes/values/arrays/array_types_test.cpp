@@ -1,39 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// The array operations on numbers, on bits, and on pointers of a type that only these tests know.
+// What is peculiar to the array operations on numbers and on bits.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
+#include <vector>
 
-#include "nodes/values/arrays/array_nodes.h"
 #include "nodes/values/declarations.h"
 #include "nodes/values/logic_net.h"
-
-// An element type of its own: what an extension has to write.
-
-namespace weft {
-
-struct Anchor {
-    float depth;
-};
-using AnchorValue = PointerValue<Anchor>;
-
-class AnchorAttribute : public PointerAttribute {
-public:
-    AnchorAttribute(NetworkManager* manager, const TM_String& name, Node* parent)
-        : PointerAttribute(manager, name, parent, new AnchorValue(manager), AnchorValue::kind) {
-        appendClass<"AnchorAttribute">();
-    }
-};
-
-} // namespace weft
-
-namespace tidemark::sluice::graph {
-
-SLUICE_DEFINE_ARRAY_NODES(Anchor, weft::AnchorAttribute, weft::AnchorValue)
-
-} // namespace tidemark::sluice::graph
 
 namespace {
 
@@ -42,160 +19,6 @@ using namespace tidemark::sluice::graph;
 using sluice_tests::declared;
 using sluice_tests::LogicNet;
 using tidemark::TM_String;
-
-// Pointers.
-
-class AnchorArrays : public ::testing::Test {
-protected:
-    Anchor a_{1}, b_{2}, c_{3}, b2_{2};
-
-    template <typename NodeClass>
-    NodeClass& make() {
-        auto* node = new NodeClass(&net_.manager(), "n", nullptr);
-        node->retain();
-        made_.emplace_back(node, [](Node* made) {
-            made->deleteIt();
-            made->release();
-        });
-        return *node;
-    }
-    static AnchorAttribute& port(Node& node, const char* name) {
-        return dynamic_cast<AnchorAttribute&>(*node.findAttribute(name));
-    }
-    static void set(Node& node, const char* name, std::initializer_list<Anchor*> anchors) {
-        AnchorAttribute& pin = port(node, name);
-        pin.ownPointers().setSize(0);
-        for (Anchor* anchor : anchors) pin.ownPointers().append(anchor);
-        pin.valueChanged();
-    }
-    static void set(Node& node, const char* name, std::initializer_list<int32_t> integers) {
-        auto& pin = dynamic_cast<NumericAttribute&>(*node.findAttribute(name));
-        pin.ownNumeric().setValues(tidemark::Array<int32_t>(integers));
-        pin.valueChanged();
-    }
-    static tidemark::Array<void*> get(Node& node, const char* name) {
-        port(node, name).computeNow();
-        return port(node, name).pointers().values();
-    }
-    static tidemark::Array<void*> list(std::initializer_list<Anchor*> anchors) {
-        tidemark::Array<void*> made;
-        for (Anchor* anchor : anchors) made.append(anchor);
-        return made;
-    }
-    static TM_String text(Node& node, const char* name) {
-        Attribute& pin = *node.findAttribute(name);
-        pin.computeNow();
-        return pin.currentValue()->asString();
-    }
-
-    LogicNet net_;
-
-private:
-    std::vector<std::unique_ptr<Node, void (*)(Node*)>> made_;
-};
-
-TEST_F(AnchorArrays, ElementsAreSharedNotCopied) {
-    auto& node = make<GetArrayAnchorElement>();
-    EXPECT_EQ(node.className(), "GetArrayAnchorElement");
-    set(node, "array", {&a_, &b_});
-    set(node, "index", {0, 0, 0});
-    EXPECT_EQ(get(node, "result"), list({&a_, &a_, &a_}));
-}
-
-TEST_F(AnchorArrays, UnsetElementsKeepWhatTheOutputHeld) {
-    auto& node = make<GetArrayAnchorElement>();
-    set(node, "array", {&a_, &b_});
-    set(node, "index", {1, 1});
-    get(node, "result");
-    set(node, "index", {-1, 0, 9});
-    EXPECT_EQ(get(node, "result"), list({&b_, &a_, nullptr}));
-}
-
-TEST_F(AnchorArrays, FindingGoesByIdentity) {
-    auto& node = make<ArrayAnchorFindElement>();
-    set(node, "array", {&a_, &b_, nullptr});
-    set(node, "element", {&b2_, &b_, nullptr});
-    EXPECT_EQ(text(node, "index"), "[1] -1,1,2");
-}
-
-TEST_F(AnchorArrays, NullsCanBeRemoved) {
-    auto& node = make<ArrayAnchorRemoveElement>();
-    set(node, "array", {nullptr, &a_, nullptr, &b_});
-    set(node, "element", {nullptr});
-    EXPECT_EQ(get(node, "out array"), list({&a_, &b_}));
-    EXPECT_EQ(text(node, "mask"), "0101");
-}
-
-TEST_F(AnchorArrays, EveryOperationWorks) {
-    auto& set_ = make<SetArrayAnchorElement>();
-    set(set_, "array", {&a_, &b_});
-    set(set_, "index", {1});
-    set(set_, "element", {&c_});
-    EXPECT_EQ(get(set_, "out array"), list({&a_, &c_}));
-
-    auto& filter = make<ArrayAnchorFilterByMask>();
-    set(filter, "array", {&a_, &b_});
-    auto& mask = dynamic_cast<BitArrayAttribute&>(*filter.findAttribute("mask"));
-    mask.ownBits().resize(2, true);
-    mask.ownBits().setBit(0, false);
-    EXPECT_EQ(get(filter, "result"), list({&b_}));
-
-    auto& constant = make<ArrayAnchorConstant>();
-    set(constant, "constant", {&a_});
-    set(constant, "size", {2});
-    EXPECT_EQ(get(constant, "out array"), list({&a_, &a_}));
-
-    auto& resize = make<ArrayAnchorResize>();
-    set(resize, "array", {&a_, &b_});
-    set(resize, "size", {3});
-    EXPECT_EQ(get(resize, "out array"), list({&a_, &b_, &b_}));
-
-    auto& concat = make<ArrayAnchorConcat>();
-    set(concat, "array0", {&a_});
-    set(concat, "array1", {&b_, nullptr});
-    EXPECT_EQ(get(concat, "out array"), list({&a_, &b_, nullptr}));
-
-    auto& slice = make<ArrayAnchorSlice>();
-    set(slice, "array", {&a_, &b_, &c_});
-    set(slice, "first", {1});
-    EXPECT_EQ(get(slice, "out array"), list({&b_, &c_}));
-
-    auto& mix = make<ArrayAnchorMix>();
-    set(mix, "array0", {&a_});
-    set(mix, "array1", {&b_});
-    dynamic_cast<BitArrayAttribute&>(*mix.findAttribute("mask")).ownBits().resize(2, false);
-    EXPECT_EQ(get(mix, "out array"), list({&a_, &a_}));
-
-    auto& reverse = make<ArrayAnchorReverse>();
-    set(reverse, "array", {&a_, &b_, &c_});
-    EXPECT_EQ(get(reverse, "out array"), list({&c_, &b_, &a_}));
-
-    auto& findAll = make<ArrayAnchorFindAllElementIndices>();
-    set(findAll, "array", {&a_, &b_, &a_});
-    set(findAll, "element", {&a_});
-    EXPECT_EQ(text(findAll, "index"), "[1] 0,2");
-
-    auto& insert = make<ArrayAnchorInsertElement>();
-    set(insert, "array", {&a_, &b_});
-    set(insert, "element", {&c_});
-    set(insert, "index", {1});
-    EXPECT_EQ(get(insert, "out array"), list({&a_, &c_, &b_}));
-
-    auto& push = make<ArrayAnchorPushElement>();
-    set(push, "array", {&a_});
-    set(push, "element", {&c_});
-    EXPECT_EQ(get(push, "out array"), list({&a_, &c_}));
-
-    auto& removeIndex = make<ArrayAnchorRemoveIndex>();
-    set(removeIndex, "array", {&a_, &b_, &c_});
-    set(removeIndex, "index", {0, 2});
-    EXPECT_EQ(get(removeIndex, "out array"), list({&b_}));
-
-    auto& repeated = make<ArrayAnchorRemoveRepeatedElements>();
-    set(repeated, "array", {&a_, &b_, nullptr, &a_, nullptr});
-    EXPECT_EQ(get(repeated, "out array"), list({&a_, &b_, nullptr}));
-    EXPECT_EQ(text(repeated, "new to old"), "[1] 0,1,2,0,2");
-}
 
 // Numbers.
 
@@ -297,6 +120,51 @@ TEST(NumberArrays, SortOfTuplesIsLexicographic) {
     EXPECT_EQ(m.text("n.new to old"), "[1] 1,0");
 }
 
+// By components in storage order, the first that differs decides: 0 is no less than -0, and
+// not-a-number stands behind everything, in whichever component.
+template <typename T>
+void expectOrderOfTuples(const TM_String& type) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    constexpr std::size_t parts = sizeof(T) / sizeof(float);
+    const auto filled = [](float number) {
+        T element;
+        std::fill_n(reinterpret_cast<float*>(&element), parts, number);
+        return element;
+    };
+    for (std::size_t part = 0; part < parts; ++part) {
+        const auto with = [&](float number) {
+            T element = filled(1);
+            auto* floats = reinterpret_cast<float*>(&element);
+            floats[part] = number;
+            // What follows is against it.
+            for (std::size_t k = part + 1; k < parts; ++k) floats[k] = -number;
+            return element;
+        };
+        Numbers n("ArrayNumSort", type);
+        n.numbers<T>("n.array", {with(nan), with(2), with(-infinity), with(-0.0f), with(infinity),
+                                 with(0.0f), with(-3), with(nan), with(2)});
+        EXPECT_EQ(n.text("n.new to old"), "[1] 2,6,3,5,1,8,4,0,7") << type << " " << part;
+        EXPECT_EQ(n.text("n.old to new"), "[1] 7,4,0,2,6,3,1,8,5") << type << " " << part;
+        const T first = n.as<NumericAttribute>("n.out array").numeric().valueAt<T>(0);
+        EXPECT_EQ(reinterpret_cast<const float*>(&first)[part], -infinity) << type << " " << part;
+    }
+}
+
+TEST(NumberArrays, SortOfTuplesByEveryComponent) {
+    expectOrderOfTuples<Vector3<float>>("Vector3");
+    expectOrderOfTuples<Color4<float>>("Color4");
+    expectOrderOfTuples<Quaternion<float>>("Quaternion");
+    expectOrderOfTuples<Matrix4<float>>("Matrix4");
+}
+
+TEST(NumberArrays, SortOfQuaternionsBeginsWithX) {
+    Numbers n("ArrayNumSort", "Quaternion");
+    n.numbers<Quaternion<float>>("n.array",
+                                 {{2, 0, 0, 0}, {1, 9, 9, 9}, {1, 0, 9, 9}, {1, 0, 0, 9}});
+    EXPECT_EQ(n.text("n.new to old"), "[1] 3,2,1,0");
+}
+
 template <typename T>
 void expectSorted(const TM_String& type, uint32_t count, T (*make)(std::mt19937&)) {
     std::mt19937 random(count);
@@ -339,6 +207,36 @@ TEST(NumberArrays, SortOfManyNumbers) {
                               static_cast<int>(random() % 60) - 30);
         });
     }
+}
+
+// Few different components, so that all of them decide now and then.
+TEST(NumberArrays, SortOfManyTuples) {
+    const auto expectStable = []<typename T>(const TM_String& type, T) {
+        constexpr std::size_t parts = sizeof(T) / sizeof(float);
+        constexpr uint32_t count = 3000;
+        std::mt19937 random(5);
+        tidemark::Array<T> values(count);
+        auto* const floats = reinterpret_cast<float*>(values.data());
+        for (std::size_t i = 0; i < count * parts; ++i) {
+            floats[i] = static_cast<float>(random() % (i % parts == 0 ? 20 : 2));
+        }
+        std::vector<int32_t> expected(count);
+        std::iota(expected.begin(), expected.end(), 0);
+        std::stable_sort(expected.begin(), expected.end(), [&](int32_t a, int32_t b) {
+            const float* first = floats + static_cast<std::size_t>(a) * parts;
+            const float* second = floats + static_cast<std::size_t>(b) * parts;
+            return std::lexicographical_compare(first, first + parts, second, second + parts);
+        });
+        Numbers n("ArrayNumSort", type);
+        n.as<NumericAttribute>("n.array").ownNumeric().setValues(values);
+        n.refresh("n.new to old");
+        const auto& order = n.as<NumericAttribute>("n.new to old").numeric().values<int32_t>();
+        ASSERT_EQ(std::vector<int32_t>(order.begin(), order.end()), expected) << type;
+    };
+    expectStable("Vector3", Vector3<float>());
+    expectStable("Color4", Color4<float>());
+    expectStable("Quaternion", Quaternion<float>());
+    expectStable("Matrix4", Matrix4<float>());
 }
 
 TEST(NumberArrays, NotANumberEqualsNothing) {
