@@ -131,7 +131,7 @@ struct ImpatientHost : tidemark::bridge::Host {
     explicit ImpatientHost(NetworkManager& network) : manager(network) {
         tidemark::bridge::setHost(this);
     }
-    ~ImpatientHost() { tidemark::bridge::setHost(nullptr); }
+    ~ImpatientHost() override { tidemark::bridge::setHost(nullptr); }
     void post(int, const Array<TM_String>&) override {
         ++posts;
         manager.requestInterrupt();

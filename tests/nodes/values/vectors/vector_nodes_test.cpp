@@ -99,6 +99,16 @@ TEST(VectorNodes, NothingAgainstSeveralIsReportedToo) {
     EXPECT_EQ("[error] input attributes size differs: (0, 2)\n", n.messages());
 }
 
+TEST(VectorNodes, NothingAgainstOneIsNotReported) {
+    OneNode n("Vector3Dot");
+    n.with<V3>("first", {});
+    EXPECT_EQ("[3] ", n.result());
+    OneNode blend("Vector3Interpolate");
+    blend.with<V3>("second", {});
+    EXPECT_EQ("[4] ", blend.result());
+    EXPECT_EQ("", n.messages() + blend.messages());
+}
+
 // Vector3Interpolate.
 
 TEST(Vector3Interpolate, GoesOnOutsideUnlessClamped) {
