@@ -6,6 +6,7 @@
 //     SLUICE_DEFINE_COPY(MeshCopy, weft::CopyPtr<weft::MeshAttribute>)
 #pragma once
 
+#include "core/exceptions.h"
 #include "core/node.h"
 #include "graph/define_node.h"
 #include "nodes/values/copies/created_objects.h"
@@ -98,8 +99,15 @@ public:
 protected:
     void copy() override {
         this->freeObjects();
-        if (PointerValueBase* target = this->out_->pointersTarget()) {
-            this->objects().copyAll(this->in_->pointers(), *target);
+        PointerValueBase* target = this->out_->pointersTarget();
+        if (!target) return;
+        try {
+            this->objects().copyAll(this->in_->pointers(), *target, *this->networkManager());
+        } catch (const tidemark::TM_Exception&) {
+            // What an interrupt left unfinished is not shown.
+            target->setSize(0);
+            this->freeObjects();
+            throw;
         }
     }
 };

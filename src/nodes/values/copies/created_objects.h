@@ -84,14 +84,17 @@ public:
         objects_.push_back(std::move(object));
         return objects_.back().get();
     }
-    /// Makes `to` point to copies of what `from` points to, null for null. Throws `CopyFailure`.
-    void copyAll(const PointerValueBase& from, PointerValueBase& to) {
+    /// Makes `to` point to copies of what `from` points to, null for null. Throws `CopyFailure`,
+    /// and what ends a run of `running` that is interrupted; the caller then frees what was copied.
+    void copyAll(const PointerValueBase& from, PointerValueBase& to,
+                 const NetworkManager& running) {
         // Before the first copy, so that no position is to blame but the first.
         uint32_t position = 0;
         try {
             objects_.reserve(objects_.size() + from.size());
             to.setSize(from.size());
             for (; position < from.size(); ++position) {
+                running.pollInterrupt();
                 const auto* object = static_cast<const Object*>(from.valueAt(position));
                 Object* copy = object
                                    ? keep(std::unique_ptr<Object>(ObjectsOf<Attr>::copy(*object)))

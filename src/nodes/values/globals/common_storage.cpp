@@ -74,7 +74,7 @@ void CommonStorage::fill(GlobalHolder& holder, const Attribute& in, Value& value
         if (!copies) return attribute.setValue(&value);
     }
     try {
-        holder.copyValue(value);
+        holder.copyValue(value, *in.networkManager());
     } catch (const std::bad_alloc&) {
         throw CopyFailure{0};
     }

@@ -27,7 +27,11 @@ public:
 
     Attribute& attribute() const { return *inputAttributeAt(0); }
     /// Fills the attribute's own value with a deep copy of `value`, which is of the same class.
-    virtual void copyValue(const Value& value) { attribute().value()->copyFrom(&value); }
+    /// Throws what ends a run of `running` that is interrupted.
+    virtual void copyValue(const Value& value, const NetworkManager& running) {
+        (void)running;
+        attribute().value()->copyFrom(&value);
+    }
     /// True when the holder made objects for itself, which die with it.
     virtual bool ownsObjects() const { return false; }
     /// Frees them; nobody refers to them afterwards. Before the holder goes.
@@ -52,8 +56,9 @@ public:
         attribute_ = addInput<Attr>("value", "The value of the variable.");
     }
 
-    void copyValue(const Value& value) override {
-        objects_.copyAll(static_cast<const PointerValueBase&>(value), attribute_->ownPointers());
+    void copyValue(const Value& value, const NetworkManager& running) override {
+        objects_.copyAll(static_cast<const PointerValueBase&>(value), attribute_->ownPointers(),
+                         running);
     }
     bool ownsObjects() const override { return !objects_.isEmpty(); }
     void freeObjects() override { objects_.freeAll(nullptr, true); }

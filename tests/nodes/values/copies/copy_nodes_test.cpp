@@ -209,6 +209,24 @@ TEST_F(CopiesOfObjects, WithoutMemoryNameThePosition) {
     EXPECT_EQ(net.copied(0)->number, 1);
 }
 
+TEST_F(CopiesOfObjects, InterruptedCopiesAreNotShown) {
+    Probe a{1};
+    ProbeNet net;
+    net.give({&a, &a, &a});
+    net.refresh("c.out");
+    EXPECT_EQ(Probe::alive, 4);
+    net.manager().setEvaluating(true);
+    net.manager().requestInterrupt();
+    EXPECT_THROW(net.node("c").update(&net.pin("c.out")), tidemark::TM_Exception);
+    EXPECT_EQ(Probe::alive, 1);
+    EXPECT_EQ(net.pin("c.out").currentValue()->size(), 0u);
+    net.manager().clearInterrupt();
+    net.node("c").update(&net.pin("c.out"));
+    net.manager().setEvaluating(false);
+    EXPECT_EQ(Probe::alive, 4);
+    EXPECT_EQ(net.copied(2)->number, 1);
+}
+
 TEST_F(CopiesOfObjects, OfNoElements) {
     ProbeNet net;
     net.give({});

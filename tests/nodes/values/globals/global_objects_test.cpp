@@ -119,6 +119,21 @@ TEST_F(GlobalObjects, ACopyThatFailsFreesWhatItMade) {
     EXPECT_EQ(net.at(0)->number, 1);
 }
 
+TEST_F(GlobalObjects, AnInterruptedCopyLeavesTheVariable) {
+    ProbeNet net;
+    Probe a(1);
+    Probe b(2);
+    net.set({&a});
+    net.as<ProbeAttribute>("p.out").ownPointers().setValue(&b);
+    net.manager().setEvaluating(true);
+    net.manager().requestInterrupt();
+    EXPECT_THROW(net.node("s").update(&net.pin("s.through")), tidemark::TM_Exception);
+    net.manager().clearInterrupt();
+    net.manager().setEvaluating(false);
+    EXPECT_EQ(Probe::alive, 3);
+    EXPECT_EQ(net.at(0)->number, 1);
+}
+
 TEST_F(GlobalObjects, NoVariableOutlivesAnObjectThatItsMakerDeletes) {
     for (const bool byManager : {true, false}) {
         ProbeNet net;
