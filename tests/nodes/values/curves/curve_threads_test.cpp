@@ -10,15 +10,19 @@ namespace {
 using namespace control_tests;
 using tidemark::ANIFloatBase;
 
-/// In C, on four threads: what the test wires to P.element takes the place of each element of S.
+/// In C, on four threads: G gives an element of S, and what the test wires to P.element takes its
+/// place.
 class RealsKernel : public KernelScene {
 public:
     RealsKernel() : KernelScene(times()) {
         Node* compound = node("C");
         set("C.K.threads", 4);
+        add("GetElement", "G", compound);
         add("SetElement", "P", compound);
-        link("C.IO.x", "C.P.array");
-        link("C.K.index", "C.P.index");
+        for (const TM_String name : {"C.G.", "C.P."}) {
+            link("C.IO.x", name + "array");
+            link("C.K.index", name + "index");
+        }
         EXPECT_TRUE(pin("C.P.array")->addInternalConnection(pin("C.P.out array")));
         link("C.P.out array", "C.IO.y");
     }
@@ -29,7 +33,7 @@ public:
     }
 };
 
-// S, with a curve from outside: F > C.curve; in C: IO.curve > Eval.curve, K.element > Eval.time.
+// S, with a curve from outside: F > C.curve; in C: IO.curve > Eval.curve, G.element > Eval.time.
 TEST(CurveThreads, AKernelsThreadsEvaluateOneCurve) {
     ANIFloatBase curve;
     for (const double x : {0.0, 1.0, 2.5, 3.0}) curve.refSpline().addPoint({x, x * x});
@@ -42,7 +46,7 @@ TEST(CurveThreads, AKernelsThreadsEvaluateOneCurve) {
     static_cast<weft::CurveAttribute*>(net.at("F.curve"))->ownPointers().setValue(&curve);
     net.link("F.out curve", "C.curve");
     net.link("C.IO.curve", "C.Eval.curve");
-    net.link("C.K.element", "C.Eval.time");
+    net.link("C.G.element", "C.Eval.time");
     net.link("C.Eval.result", "C.P.element");
     net.scene.run();
     std::vector<float> expected;
@@ -51,7 +55,7 @@ TEST(CurveThreads, AKernelsThreadsEvaluateOneCurve) {
     EXPECT_TRUE(net.host.posts.empty());
 }
 
-// In C: Key > Set.key, K.element > Set.x; Set.out key > Get.key; Get.x + 10 > P.element.
+// In C: Key > Set.key, G.element > Set.x; Set.out key > Get.key; Get.x + 10 > P.element.
 TEST(CurveThreads, EachCopyHasAKeyOfItsOwn) {
     RealsKernel net;
     Node* compound = net.node("C");
@@ -62,7 +66,7 @@ TEST(CurveThreads, EachCopyHasAKeyOfItsOwn) {
     net.add("Add", "A", compound);
     net.pin("C.R.in")->setFloatValue(10.0f);
     net.link("C.Key.key", "C.Set.key");
-    net.link("C.K.element", "C.Set.x");
+    net.link("C.G.element", "C.Set.x");
     net.link("C.Set.out key", "C.Get.key");
     net.link("C.Get.x", "C.A.in0");
     net.link("C.R.real", "C.A.in1");
