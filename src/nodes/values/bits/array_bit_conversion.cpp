@@ -6,6 +6,7 @@
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
 #include "nodes/values/strings/string_tools.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -60,6 +61,7 @@ public:
         StringValue* target = string_->stringsTarget();
         if (!target) return;
         checkTextLength(static_cast<uint64_t>(size));
+        const UnfinishedOutput unfinished(target, {});
         target->setSize(1);
         TM_String& digits = target->refValues()[0];
         digits.resize(static_cast<std::size_t>(size));
@@ -67,6 +69,7 @@ public:
         writeDigits(bits.words().data(), static_cast<uint32_t>(first), static_cast<uint32_t>(size),
                     digits.data(), meter);
         string_->valueChanged();
+        setAttributeIsClean(string_, true);
     }
 
 private:
@@ -102,9 +105,11 @@ public:
         const TM_String& digits = string_->firstString();
         if (digits.size() > std::numeric_limits<int32_t>::max()) throw std::bad_alloc();
         target->resize(static_cast<uint32_t>(digits.size()), false);
+        const UnfinishedOutput unfinished(target, {});
         WorkMeter meter(*networkManager());
         readDigits(digits.data(), target->size(), target->wordData(), meter);
         bitArray_->valueChanged();
+        setAttributeIsClean(bitArray_, true);
     }
 
 private:
@@ -143,6 +148,7 @@ public:
             target->wordData()[0] = reversed(static_cast<uint32_t>(integer.value<int32_t>()));
         }
         bit_->valueChanged();
+        setAttributeIsClean(bit_, true);
     }
 
 private:
@@ -163,7 +169,14 @@ protected:
         setAttributeAffectedByAllInputs(out_);
     }
 
-    NumericAttribute& out() const { return *out_; }
+    template <typename T>
+    void write(T number) {
+        Numeric* target = out_->numericTarget();
+        if (!target) return;
+        target->setValue(number);
+        out_->valueChanged();
+        setAttributeIsClean(out_, true);
+    }
 
     // The first elements as a number; warns when there are more than it can take.
     uint64_t pulledNumber() {
@@ -198,9 +211,7 @@ public:
     }
 
     void update(Attribute*) override {
-        const auto number = static_cast<int32_t>(static_cast<uint32_t>(pulledNumber()));
-        if (Numeric* target = out().numericTarget()) target->setValue(number);
-        out().valueChanged();
+        write(static_cast<int32_t>(static_cast<uint32_t>(pulledNumber())));
     }
 };
 
@@ -214,11 +225,7 @@ public:
                  "are treated as 0.");
     }
 
-    void update(Attribute*) override {
-        const auto number = static_cast<int64_t>(pulledNumber());
-        if (Numeric* target = out().numericTarget()) target->setValue(number);
-        out().valueChanged();
-    }
+    void update(Attribute*) override { write(static_cast<int64_t>(pulledNumber())); }
 };
 
 SLUICE_DEFINE_NODE(ArrayBitToString)

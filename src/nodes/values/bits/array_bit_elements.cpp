@@ -2,6 +2,7 @@
 // Single elements of bit arrays, by index: reading, writing, and a mask from indices.
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -40,6 +41,7 @@ public:
         BitArrayValue* target = out_->bitsTarget();
         if (!target) return;
         const BitArrayValue& source = array_->bits();
+        const UnfinishedOutput unfinished(target, {&source});
         const uint32_t size = source.size();
         if (&source == target) {
             const Array<uint32_t> copy = source.words();
@@ -48,6 +50,7 @@ public:
             take(source.words().data(), size, *target);
         }
         out_->valueChanged();
+        setAttributeIsClean(out_, true);
     }
 
 private:
@@ -103,6 +106,7 @@ public:
         BitArrayValue* target = outArray_->bitsTarget();
         if (!target) return;
         const BitArrayValue& values = value_->bits();
+        const UnfinishedOutput unfinished(target, {&array_->bits(), &values});
         const uint32_t count = values.size();
         if (&values == target) {
             const Array<uint32_t> copy = values.words();
@@ -113,6 +117,7 @@ public:
             put(values.words().data(), count, *target);
         }
         outArray_->valueChanged();
+        setAttributeIsClean(outArray_, true);
     }
 
 private:
@@ -157,6 +162,7 @@ public:
         BitArrayValue* target = mask_->bitsTarget();
         if (!target) return;
         const Elements<int32_t> indices(indexArray_->numeric());
+        const UnfinishedOutput unfinished(target, {});
         WorkMeter meter(*networkManager());
         target->resize(sizeFor(indices, meter), false);
         target->set(false);
@@ -165,6 +171,7 @@ public:
             meter.add(0);
         }
         mask_->valueChanged();
+        setAttributeIsClean(mask_, true);
     }
 
 private:

@@ -2,6 +2,7 @@
 // What there is to know about a bit array: counts, first and last positions, all and any.
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -84,7 +85,9 @@ public:
         if (attribute == lastTrue_) answer(*lastTrue_, lastTrue(bits));
         if (attribute == lastFalse_) answer(*lastFalse_, lastFalse(bits));
         if (attribute == negated_) negate(bits);
+        if (attribute == through_) return;
         attribute->valueChanged();
+        setAttributeIsClean(attribute, true);
     }
 
 private:
@@ -100,6 +103,7 @@ private:
     void negate(const BitArrayValue& bits) {
         BitArrayValue* target = negated_->bitsTarget();
         if (!target) return;
+        const UnfinishedOutput unfinished(target, {&bits});
         WorkMeter meter(*networkManager());
         invertBits(bits, *target, meter);
     }
@@ -128,6 +132,7 @@ public:
         if (number_) answer(*number_, askNumber_(in_->bits()));
         if (bit_) answer(*bit_, askBit_(in_->bits()));
         attribute->valueChanged();
+        setAttributeIsClean(attribute, true);
     }
 
 protected:

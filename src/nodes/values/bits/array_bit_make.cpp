@@ -5,6 +5,7 @@
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
 #include "nodes/values/random_steps.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -109,6 +110,7 @@ public:
         if (!target) return;
         fill(*target, static_cast<uint32_t>(size), bit_->lastBit());
         array_->valueChanged();
+        setAttributeIsClean(array_, true);
     }
 
 private:
@@ -139,6 +141,7 @@ public:
         const bool value = value_->lastBit();
         fill(*target, array_->bits().size(), value);
         outArray_->valueChanged();
+        setAttributeIsClean(outArray_, true);
     }
 
 private:
@@ -176,6 +179,7 @@ public:
         if (!target) return;
         resizeCopy(array_->bits(), static_cast<uint32_t>(size), array_->lastBit(), *target);
         outArray_->valueChanged();
+        setAttributeIsClean(outArray_, true);
     }
 
 private:
@@ -213,6 +217,7 @@ public:
         BitArrayValue* target = array_->bitsTarget();
         if (!target) return;
         target->resize(static_cast<uint32_t>(size), false);
+        const UnfinishedOutput unfinished(target, {});
         uint32_t* const words = target->wordData();
         uint32_t state = RandomSteps(seed_->numeric().value<int32_t>()).state();
         WorkMeter meter(*networkManager());
@@ -220,6 +225,7 @@ public:
             state = randomWords(state, words + first, count);
         });
         array_->valueChanged();
+        setAttributeIsClean(array_, true);
     }
 
 private:

@@ -3,6 +3,7 @@
 // positions that a mask chooses.
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -37,6 +38,7 @@ public:
         const BitArrayValue& mask = mask_->bits();
         const uint32_t size = std::min(mask.count(), array.size());
         const uint32_t common = std::min(mask.size(), array.size());
+        const UnfinishedOutput unfinished(target, {&array, &mask});
         if (target != &array && target != &mask) target->resize(size, false);
         WorkMeter meter(*networkManager());
         const uint32_t taken = compressBits(array.words().data(), mask.words().data(), common,
@@ -45,6 +47,7 @@ public:
         target->resize(taken, false);
         target->resize(size, false);
         outArray_->valueChanged();
+        setAttributeIsClean(outArray_, true);
     }
 
 private:
@@ -74,6 +77,7 @@ public:
         BitArrayValue* target = outArray_->bitsTarget();
         if (!target) return;
         const BitArrayValue& array = array_->bits();
+        const UnfinishedOutput unfinished(target, {&array});
         WorkMeter meter(*networkManager());
         const Array<uint32_t> kept = keptPositions(array.size(), meter);
         if (target != &array) target->resize(array.size(), false);
@@ -81,6 +85,7 @@ public:
                                             target->wordData(), target->words().size(), meter);
         target->resize(count, false);
         outArray_->valueChanged();
+        setAttributeIsClean(outArray_, true);
     }
 
 private:
@@ -122,6 +127,7 @@ public:
         BitArrayValue* target = outArray_->bitsTarget();
         if (!target) return;
         const BitArrayValue& array = array_->bits();
+        const UnfinishedOutput unfinished(target, {&array});
         WorkMeter meter(*networkManager());
         if (target == &array) {
             const Array<uint32_t> copy = array.words();
@@ -131,6 +137,7 @@ public:
             reverseBits(array.words().data(), array.size(), target->wordData(), meter);
         }
         outArray_->valueChanged();
+        setAttributeIsClean(outArray_, true);
     }
 
 private:
@@ -159,12 +166,14 @@ public:
         Numeric* target = index_->numericTarget();
         if (!target) return;
         const BitArrayValue& mask = mask_->bits();
+        const UnfinishedOutput unfinished(target, {});
         Array<int32_t>& indices = target->refValues<int32_t>();
         indices.resizeForOverwrite(mask.count());
         WorkMeter meter(*networkManager());
         writePositions(mask.words().data(), mask.size(), indices.data(), indices.size(), meter);
         target->updateSize();
         index_->valueChanged();
+        setAttributeIsClean(index_, true);
     }
 
 private:

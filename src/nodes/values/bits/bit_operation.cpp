@@ -5,6 +5,7 @@
 #include "core/enum_value.h"
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -148,6 +149,7 @@ public:
         BitArrayValue* target = result_->bitsTarget();
         if (!target) return;
         if (const Combine combination = combinationFor(operation())) {
+            const UnfinishedOutput unfinished(target, {&in0_->bits(), &in1_->bits()});
             WorkMeter meter(*networkManager());
             combine(combination, in0_->bits(), in1_->bits(), *target, meter);
         } else {
@@ -155,6 +157,7 @@ public:
             pushError("Unknown operation");
         }
         result_->valueChanged();
+        setAttributeIsClean(result_, true);
     }
 
 protected:
@@ -243,9 +246,11 @@ public:
         in_->pull();
         BitArrayValue* target = result_->bitsTarget();
         if (!target) return;
+        const UnfinishedOutput unfinished(target, {&in_->bits()});
         WorkMeter meter(*networkManager());
         invertBits(in_->bits(), *target, meter);
         result_->valueChanged();
+        setAttributeIsClean(result_, true);
     }
 
 private:

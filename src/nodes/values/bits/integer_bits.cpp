@@ -3,6 +3,7 @@
 // least significant bit and wrap at the integer's width.
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -97,6 +98,7 @@ public:
             read<int32_t>(*target);
         }
         bit_->valueChanged();
+        setAttributeIsClean(bit_, true);
     }
 
 private:
@@ -105,6 +107,7 @@ private:
         const Elements<T> numbers(integers());
         const Elements<int32_t> positions(indices());
         target.resize(numbers.size(), false);
+        const UnfinishedOutput unfinished(&target, {});
         uint32_t* const words = target.wordData();
         WorkMeter meter(*networkManager());
         for (uint32_t w = 0; w < wordsFor(numbers.size()); ++w) {
@@ -153,6 +156,7 @@ public:
             write<int32_t>(*target);
         }
         result_->valueChanged();
+        setAttributeIsClean(result_, true);
     }
 
 private:

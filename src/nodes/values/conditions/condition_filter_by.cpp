@@ -3,6 +3,7 @@
 #include "graph/define_node.h"
 #include "nodes/values/conditions/condition_value.h"
 #include "nodes/values/conditions/filtering.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -116,6 +117,9 @@ private:
         targets.keepsFailing = targets.result == &value_->numeric();
         targets.isResultRead =
             targets.keepsFailing || targets.result == condition->getNumericValue();
+        const UnfinishedOutput mask(targets.mask, {});
+        const UnfinishedOutput result(targets.result,
+                                      {&value_->numeric(), condition->getNumericValue()});
         filterElements(values, right, testOf<T>(*condition), targets, *networkManager());
         if (targets.result) finish(result_);
         if (targets.mask) finish(mask_);

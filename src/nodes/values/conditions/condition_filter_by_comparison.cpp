@@ -2,6 +2,7 @@
 // Filters that compare two arrays directly, one node for each comparison.
 #include "graph/define_node.h"
 #include "nodes/values/conditions/filtering.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -79,6 +80,8 @@ private:
         if (isNeeded(*result_, asked)) targets.result = result_->numericTarget();
         if (isNeeded(*mask_, asked)) targets.mask = mask_->bitsTarget();
         targets.isResultRead = targets.result == &values || targets.result == &value1_->numeric();
+        const UnfinishedOutput mask(targets.mask, {});
+        const UnfinishedOutput result(targets.result, {&values, &value1_->numeric()});
         filterElements(values, right, test, targets, *networkManager());
         if (targets.result) finish(result_);
         if (targets.mask) finish(mask_);

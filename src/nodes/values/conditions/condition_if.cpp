@@ -37,6 +37,7 @@ public:
         if (!value) pushCritical("Input is empty");
         value_->setValue(value);
         value_->valueChanged();
+        setAttributeIsClean(value_, true);
     }
 
     void attributeConnectionChanged(Attribute* attribute) override {

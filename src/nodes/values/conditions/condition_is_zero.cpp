@@ -2,6 +2,7 @@
 // Which elements are zero, give or take a tolerance.
 #include "graph/define_node.h"
 #include "nodes/values/conditions/filtering.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -62,9 +63,11 @@ private:
         RightSide<float> tolerance;
         tolerance.setElementsOf(tolerance_->numeric());
         target->resize(count, false);
+        const UnfinishedOutput unfinished(target, {});
         testAll(values.values<T>().data(), count, tolerance, zeroTest<T>(), target->wordData(),
                 *networkManager());
         mask_->valueChanged();
+        setAttributeIsClean(mask_, true);
     }
 
     NumericAttribute* value_;

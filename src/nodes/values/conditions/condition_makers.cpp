@@ -50,6 +50,7 @@ public:
         target->setNumericValue(weft::valueAs<weft::Numeric>(value_->currentValue()));
         target->setConstant(false);
         condition_->valueChanged();
+        setAttributeIsClean(condition_, true);
     }
 
 protected:
@@ -87,6 +88,7 @@ public:
         target->setConstant(true);
         setConstant(*target, value_->numeric());
         condition_->valueChanged();
+        setAttributeIsClean(condition_, true);
     }
 
 protected:

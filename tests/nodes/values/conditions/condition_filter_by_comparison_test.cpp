@@ -201,11 +201,13 @@ TEST(ConditionFilterByComparison, LongWorkAnswersAnInterrupt) {
     net.set("f.value1", "[3] 1");
     net.as<weft::NumericAttribute>("f.value0").ownNumeric().resize(3000000);
     net.manager().setEvaluating(true);
-    for (const bool isResultWanted : {true, false}) {
+    for (const bool isResultWanted : {false, true}) {
         net.pin("f.result").setToBeEvaluated(isResultWanted);
         net.manager().requestInterrupt();
         EXPECT_THROW(net.node("f").doUpdate(&net.pin("f.mask")), std::exception);
         net.manager().clearInterrupt();
+        EXPECT_EQ(0u, net.pin("f.mask").value()->size());
+        EXPECT_EQ(isResultWanted ? 0u : 1u, net.pin("f.result").value()->size());
         EXPECT_NO_THROW(net.node("f").doUpdate(&net.pin("f.mask")));
     }
     net.manager().setEvaluating(false);

@@ -347,6 +347,10 @@ TEST(ConditionFilterBy, OneUpdateServesBothOutputs) {
     net.refresh("f.result");
     EXPECT_TRUE(net.pin("f.result").isClean());
     EXPECT_TRUE(net.pin("f.mask").isClean());
+    net.set("f.value", "[3] 2");
+    net.node("f").doUpdate(&net.pin("f.mask"));
+    EXPECT_TRUE(net.pin("f.result").isClean());
+    EXPECT_TRUE(net.pin("f.mask").isClean());
 }
 
 TEST(ConditionFilterBy, UnwantedOutputsAreNotComputed) {
@@ -627,7 +631,7 @@ TEST(ConditionFilterBy, MayWriteWhereTheConditionReads) {
 TEST(ConditionFilterBy, LongWorkAnswersAnInterrupt) {
     ConditionNet net;
     net.filterBy("ConditionEqualTo");
-    net.set("c.value", "[3] 1");
+    net.set("c.value", "[3] 0");
     net.type("f.value", "Real");
     net.as<weft::NumericAttribute>("f.value").ownNumeric().resize(3000000);
     net.pin("f.value").valueChanged();
@@ -641,7 +645,9 @@ TEST(ConditionFilterBy, LongWorkAnswersAnInterrupt) {
     net.manager().setEvaluating(false);
     const auto& result = net.as<weft::NumericAttribute>("f.result").numeric();
     EXPECT_EQ(result.size(), result.values<float>().size());
-    EXPECT_EQ("0", std::to_string(result.size()));
+    EXPECT_EQ("[3] ", result.asString()) << "what was not computed is not shown";
+    EXPECT_EQ("", net.pin("f.mask").value()->asString());
+    EXPECT_FALSE(net.pin("f.result").isClean());
 }
 
 TEST(ConditionFilterBy, PinnedResultsStayWhereTheyAre) {

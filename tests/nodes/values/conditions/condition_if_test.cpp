@@ -52,6 +52,12 @@ TEST_F(ConditionIf, ReadersSeeTheObjectToo) {
     EXPECT_EQ("[3] 15", net.text("a.result"));
 }
 
+TEST_F(ConditionIf, WhatWasChosenIsClean) {
+    linkBoth();
+    net.node("i").doUpdate(&net.pin("i.value"));
+    EXPECT_TRUE(net.pin("i.value").isClean());
+}
+
 TEST_F(ConditionIf, PullsTheChosenOneOnly) {
     linkBoth();
     net.refresh("i.value");

@@ -93,6 +93,14 @@ TEST_F(ConditionIsZero, LongArrays) {
     EXPECT_EQ(expected, net.text("z.mask"));
 }
 
+TEST_F(ConditionIsZero, OnlyAWrittenMaskIsClean) {
+    net.node("z").doUpdate(&net.pin("z.mask"));
+    EXPECT_FALSE(net.pin("z.mask").isClean());
+    net.set("z.value", "[3] 0");
+    net.node("z").doUpdate(&net.pin("z.mask"));
+    EXPECT_TRUE(net.pin("z.mask").isClean());
+}
+
 TEST_F(ConditionIsZero, OtherNumbersAreLeftAlone) {
     EXPECT_EQ("10", mask("[1] 0,1", {0}));
     auto& number = net.as<weft::NumericAttribute>("z.value").ownNumeric();
@@ -110,6 +118,7 @@ TEST_F(ConditionIsZero, LongWorkAnswersAnInterrupt) {
     net.manager().setEvaluating(true);
     net.manager().requestInterrupt();
     EXPECT_THROW(net.node("z").doUpdate(&net.pin("z.mask")), std::exception);
+    EXPECT_EQ(0u, net.pin("z.mask").value()->size());
     net.manager().clearInterrupt();
     net.manager().setEvaluating(false);
 }

@@ -30,6 +30,18 @@ TEST(ConditionMakers, EachStoresItsCode) {
     }
 }
 
+TEST(ConditionMakers, OnlyAMadeConditionIsClean) {
+    for (const char* type : {"ConditionLessThan", "ConditionLessThanConstant"}) {
+        ConditionNet net;
+        net.add(type, "c");
+        net.node("c").doUpdate(&net.pin("c.condition"));
+        EXPECT_FALSE(net.pin("c.condition").isClean()) << type;
+        net.set("c.value", "[3] 1");
+        net.node("c").doUpdate(&net.pin("c.condition"));
+        EXPECT_TRUE(net.pin("c.condition").isClean()) << type;
+    }
+}
+
 TEST(ConditionMakers, UnspecializedOneStoresItsCodeAlone) {
     for (const char* type : {"ConditionLessThan", "ConditionLessThanConstant"}) {
         ConditionNet net;
