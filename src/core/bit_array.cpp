@@ -6,41 +6,16 @@
 #include <bit>
 
 #include "core/limits.h"
+#include "core/words.h"
 
 namespace weft {
 
+using tidemark::allOnes;
+using tidemark::wordsFor;
+
+static_assert(BitArrayValue::bitsPerWord == tidemark::bitsPerWord);
+
 namespace {
-
-constexpr uint32_t allOnes = ~uint32_t(0);
-
-uint32_t wordsFor(uint32_t bits) {
-    return static_cast<uint32_t>((uint64_t(bits) + BitArrayValue::bitsPerWord - 1) /
-                                 BitArrayValue::bitsPerWord);
-}
-
-[[gnu::always_inline]] inline uint32_t sumOfBits(const uint32_t* words, uint32_t count) {
-    uint32_t total = 0;
-    uint32_t i = 0;
-    for (; i + 2 <= count; i += 2) {
-        total += static_cast<uint32_t>(std::popcount(words[i] | uint64_t(words[i + 1]) << 32));
-    }
-    if (i < count) total += static_cast<uint32_t>(std::popcount(words[i]));
-    return total;
-}
-
-#if defined(__x86_64__)
-[[gnu::target("popcnt")]] uint32_t sumOfBitsByInstruction(const uint32_t* words, uint32_t count) {
-    return sumOfBits(words, count);
-}
-#endif
-
-uint32_t countWords(const uint32_t* words, uint32_t count) {
-#if defined(__x86_64__)
-    static const bool hasInstruction = __builtin_cpu_supports("popcnt");
-    if (hasInstruction) return sumOfBitsByInstruction(words, count);
-#endif
-    return sumOfBits(words, count);
-}
 
 constexpr uint32_t wordsPerBlock = 16;
 
@@ -97,16 +72,10 @@ void BitArrayValue::resize(uint32_t count, bool fill) {
 void BitArrayValue::set(bool all) { std::fill(words_.begin(), words_.end(), all ? allOnes : 0); }
 
 uint32_t BitArrayValue::elementMask(uint32_t index) const {
-    const uint32_t used = bitCount_ - index * bitsPerWord;
-    return used >= bitsPerWord ? allOnes : (uint32_t(1) << used) - 1;
+    return tidemark::lowBits(bitCount_ - index * bitsPerWord);
 }
 
-uint32_t BitArrayValue::count() const {
-    if (bitCount_ == 0) return 0;
-    const uint32_t lastWord = wordCount() - 1;
-    const uint32_t rest = words_[lastWord] & elementMask(lastWord);
-    return countWords(words_.data(), lastWord) + static_cast<uint32_t>(std::popcount(rest));
-}
+uint32_t BitArrayValue::count() const { return tidemark::countSetBits(words_.data(), bitCount_); }
 
 int64_t BitArrayValue::first(uint32_t flip) const {
     if (bitCount_ == 0) return -1;

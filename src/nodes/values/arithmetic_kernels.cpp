@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Element loops over raw memory. They run in blocks of a fixed length, which the compiler turns
-// into vector instructions, and are built for two instruction sets.
+// The arithmetic of numbers: which operations two types have, and their loops.
 #include "nodes/values/arithmetic_kernels.h"
 
 #include <algorithm>
@@ -8,6 +7,7 @@
 
 #include "core/conversion.h"
 #include "core/network_manager.h"
+#include "nodes/values/lanes.h"
 
 namespace weft {
 
@@ -107,99 +107,22 @@ struct QuaternionProduct {
     }
 };
 
-// Loops over memory of equal length, for several instruction sets.
-
-constexpr std::size_t lanesPerBlock = 16;
-constexpr std::size_t worthWideInstructions = 64;
-
-// The result may be one of the operands: each element is read before it is written, and no other
-// depends on it.
-#if defined(__GNUC__) && !defined(__clang__)
-#define SLUICE_INDEPENDENT_ELEMENTS _Pragma("GCC ivdep")
-#else
-#define SLUICE_INDEPENDENT_ELEMENTS
-#endif
+// Loops over memory of equal length.
 
 template <typename Op, typename A, typename B>
-[[gnu::always_inline]] inline void lanesInBlocks(const A* a, const B* b, A* result,
-                                                 std::size_t count) {
-    std::size_t i = 0;
-    for (; i + lanesPerBlock <= count; i += lanesPerBlock) {
-        SLUICE_INDEPENDENT_ELEMENTS
-        for (std::size_t k = i; k < i + lanesPerBlock; ++k) result[k] = Op::apply(a[k], b[k]);
-    }
-    for (; i < count; ++i) result[i] = Op::apply(a[i], b[i]);
-}
-
-#if defined(__x86_64__)
-template <typename Op, typename A, typename B>
-[[gnu::target("avx2")]] void wideLanes(const A* a, const B* b, A* result, std::size_t count) {
-    lanesInBlocks<Op>(a, b, result, count);
-}
-bool hasWideInstructions() {
-    static const bool answer = __builtin_cpu_supports("avx2");
-    return answer;
-}
-#endif
-
-template <typename Op, typename A, typename B>
-inline void lanes(const A* a, const B* b, A* result, std::size_t count) {
+void lanes(const A* a, const B* b, A* result, std::size_t count) {
     if (count == 1) {
         *result = Op::apply(*a, *b);
         return;
     }
-#if defined(__x86_64__)
+    const auto apply = [](const A& left, const B& right) { return Op::apply(left, right); };
+    // Wide instructions gain nothing with structured elements.
     if constexpr (std::is_arithmetic_v<A>) {
-        if (count >= worthWideInstructions && hasWideInstructions()) {
-            return wideLanes<Op>(a, b, result, count);
-        }
+        tidemark::mapLanes(result, count, apply, a, b);
+    } else {
+        tidemark::mapLanesInline(result, count, apply, a, b);
     }
-#endif
-    lanesInBlocks<Op>(a, b, result, count);
 }
-
-// The same against one number, on the right and on the left.
-
-template <typename Op, typename A, typename B>
-struct WithRight {
-    B right;
-    A operator()(A a) const { return Op::apply(a, right); }
-};
-template <typename Op, typename A, typename B>
-struct WithLeft {
-    A left;
-    A operator()(B b) const { return Op::apply(left, b); }
-};
-
-template <typename With, typename In, typename Out>
-[[gnu::always_inline]] inline void oneInBlocks(With with, const In* in, Out* result,
-                                               std::size_t count) {
-    std::size_t i = 0;
-    for (; i + lanesPerBlock <= count; i += lanesPerBlock) {
-        SLUICE_INDEPENDENT_ELEMENTS
-        for (std::size_t k = i; k < i + lanesPerBlock; ++k) result[k] = with(in[k]);
-    }
-    for (; i < count; ++i) result[i] = with(in[i]);
-}
-
-#if defined(__x86_64__)
-template <typename With, typename In, typename Out>
-[[gnu::target("avx2")]] void wideOne(With with, const In* in, Out* result, std::size_t count) {
-    oneInBlocks(with, in, result, count);
-}
-#endif
-
-template <typename With, typename In, typename Out>
-void one(With with, const In* in, Out* result, std::size_t count) {
-#if defined(__x86_64__)
-    if (count >= worthWideInstructions && hasWideInstructions()) {
-        return wideOne(with, in, result, count);
-    }
-#endif
-    oneInBlocks(with, in, result, count);
-}
-
-#undef SLUICE_INDEPENDENT_ELEMENTS
 
 // What the frame below runs on stretches of equal length: the answer is as of a kernel.
 
@@ -213,11 +136,13 @@ struct ByElement {
     }
     template <typename A, typename B>
     static void runRight(const A* a, B right, A* result, std::size_t count) {
-        one(WithRight<Op, A, B>{right}, a, result, count);
+        tidemark::mapLanes(
+            result, count, [right](A left) { return Op::apply(left, right); }, a);
     }
     template <typename A, typename B>
     static void runLeft(A left, const B* b, A* result, std::size_t count) {
-        one(WithLeft<Op, A, B>{left}, b, result, count);
+        tidemark::mapLanes(
+            result, count, [left](B right) { return Op::apply(left, right); }, b);
     }
 };
 

@@ -8,7 +8,6 @@
 #include <memory>
 
 #include "core/update_observer.h"
-#include "nodes/values/element_map.h"
 #include "platform/thread.h"
 
 namespace tidemark::sluice::graph {
@@ -100,15 +99,6 @@ bool isWorthSplitting(uint32_t count, int threads, double nanoseconds) {
 }
 
 } // namespace
-
-bool element_map::hasWideInstructions() {
-#if defined(__x86_64__)
-    static const bool answer = __builtin_cpu_supports("avx2");
-    return answer;
-#else
-    return false;
-#endif
-}
 
 void setThreadForEveryRecord(bool always) { threadForEveryRecord = always; }
 

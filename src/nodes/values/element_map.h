@@ -19,16 +19,13 @@
 
 #include "core/bit_array.h"
 #include "core/numeric.h"
+#include "core/words.h"
+#include "nodes/values/components.h"
 #include "nodes/values/element_loop.h"
+#include "nodes/values/lanes.h"
+#include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
-
-/// The elements of type `T` that a reader of `number` sees, whichever type is selected.
-template <typename T>
-std::span<const T> elementsOf(const weft::Numeric& number) {
-    const Array<T>& array = number.values<T>();
-    return {array.data(), std::min(number.size(), array.size())};
-}
 
 /// How many elements a result has: none if any input is empty, else as many as the longest.
 inline uint32_t resultCount(std::initializer_list<std::size_t> counts) {
@@ -70,17 +67,7 @@ private:
     alignas(T) unsigned char bytes_[sizeof(T) * blockLength]; // set by `block` where needed
 };
 
-// Each element is read before it is written, and no other depends on it.
-#if defined(__GNUC__) && !defined(__clang__)
-#define SLUICE_INDEPENDENT_ELEMENTS _Pragma("GCC ivdep")
-#else
-#define SLUICE_INDEPENDENT_ELEMENTS
-#endif
-
 namespace element_map {
-
-template <typename T>
-constexpr uint32_t componentsOf = sizeof(T) / sizeof(float);
 
 /// The caller writes every element.
 template <typename T>
@@ -90,37 +77,6 @@ void sizeForWriting(Array<T>& array, uint32_t count) {
     } else {
         array.resize(count);
     }
-}
-
-// In runs of a fixed length, which the compiler turns into vector instructions.
-template <typename R, typename Function, typename... A>
-[[gnu::always_inline]] inline void lanes(R* out, uint32_t count, Function& function,
-                                         const A*... in) {
-    constexpr std::size_t lanesPerRun = 16;
-    std::size_t i = 0;
-    for (; i + lanesPerRun <= count; i += lanesPerRun) {
-        SLUICE_INDEPENDENT_ELEMENTS
-        for (std::size_t k = i; k < i + lanesPerRun; ++k) out[k] = function(in[k]...);
-    }
-    for (; i < count; ++i) out[i] = function(in[i]...);
-}
-
-// Without fused operations: every machine gets the same numbers.
-#if defined(__x86_64__)
-template <typename R, typename Function, typename... A>
-[[gnu::target("avx2")]] void wideLanes(R* out, uint32_t count, Function& function, const A*... in) {
-    lanes(out, count, function, in...);
-}
-#endif
-
-SLUICE_API bool hasWideInstructions();
-
-template <typename R, typename Function, typename... A>
-void block(R* out, uint32_t count, Function& function, const A*... in) {
-#if defined(__x86_64__)
-    if (count >= 32 && hasWideInstructions()) return wideLanes(out, count, function, in...);
-#endif
-    lanes(out, count, function, in...);
 }
 
 /// Sets a stretch of `out` block by block with `writeBlock(out, length, in...)`.
@@ -189,8 +145,6 @@ uint32_t wordOf(uint32_t count, Function& function, const A*... in) {
 
 } // namespace element_map
 
-#undef SLUICE_INDEPENDENT_ELEMENTS
-
 /// Makes the array of `R` in `result` as long as the longest of `in`, or empty when one of them is
 /// empty, and sets each element to `function` of theirs; then the size of `result`. `nanoseconds`
 /// is roughly what one element costs. An input may be the array that is written.
@@ -200,7 +154,7 @@ void mapNumbers(const weft::Node& node, double nanoseconds, weft::Numeric& resul
     element_map::map<R>(
         node, nanoseconds, result,
         [&](R* out, uint32_t count, const A*... block) {
-            element_map::block(out, count, function, block...);
+            mapLanes(out, count, function, block...);
         },
         in...);
 }
@@ -213,8 +167,8 @@ void mapComponents(const weft::Node& node, double nanoseconds, weft::Numeric& re
     element_map::map<T>(
         node, nanoseconds, result,
         [&](T* out, uint32_t count, const auto*... block) {
-            element_map::block(reinterpret_cast<float*>(out), count * element_map::componentsOf<T>,
-                               function, reinterpret_cast<const float*>(block)...);
+            mapLanes(reinterpret_cast<float*>(out), count * componentCount<T>, function,
+                     reinterpret_cast<const float*>(block)...);
         },
         in, more...);
 }
@@ -234,7 +188,6 @@ void mapBlocks(const weft::Node& node, double nanoseconds, weft::Numeric& result
 template <typename Function, typename... A>
 void mapBits(const weft::Node& node, double nanoseconds, weft::BitArrayValue& result,
              Function function, std::span<const A>... in) {
-    constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
     const uint32_t count = resultCount({in.size()...});
     result.resize(count, false);
     uint32_t* const words = result.wordData();

@@ -2,9 +2,12 @@
 // What the nodes over values share: declaring polymorphic pins, reading types and needs, polling.
 #pragma once
 
+#include <algorithm>
+#include <span>
 #include <type_traits>
 
 #include "core/network_manager.h"
+#include "core/node.h"
 #include "core/numeric.h"
 
 namespace tidemark::sluice::graph {
@@ -27,6 +30,18 @@ inline bool isNeeded(const weft::Attribute& output, const weft::Attribute* asked
 /// The larger of two element counts.
 inline uint32_t largerSize(const weft::Value& a, const weft::Value& b) {
     return a.size() > b.size() ? a.size() : b.size();
+}
+
+/// How many elements of type `T` a reader of `number` sees, whichever type is selected.
+template <typename T>
+uint32_t elementCount(const weft::Numeric& number) {
+    return std::min(number.size(), number.values<T>().size());
+}
+
+/// These elements.
+template <typename T>
+std::span<const T> elementsOf(const weft::Numeric& number) {
+    return {number.values<T>().data(), elementCount<T>(number)};
 }
 
 /// Copies what `in` shows to `out`, unless `out` shows it already.
@@ -53,14 +68,23 @@ private:
 
 /// Calls `work(first, end)` for consecutive stretches of `count` elements, and answers interrupts
 /// in between.
-template <typename Work>
-void inPieces(uint64_t count, WorkMeter& meter, Work work) {
-    constexpr uint64_t piece = uint64_t(1) << 16;
-    for (uint64_t first = 0; first < count; first += piece) {
-        const uint64_t end = count - first < piece ? count : first + piece;
+template <typename Count, typename Work>
+void inPieces(Count count, WorkMeter& meter, Work work) {
+    static_assert(std::is_unsigned_v<Count>);
+    constexpr Count piece = Count(1) << 16;
+    for (Count first = 0; first < count;) {
+        const Count end = count - first < piece ? count : first + piece;
         work(first, end);
         meter.add(end - first);
+        first = end;
     }
+}
+
+/// The same, with the meter of one call.
+template <typename Count, typename Work>
+void inPieces(const weft::Node& node, Count count, Work work) {
+    WorkMeter meter(*node.networkManager());
+    inPieces(count, meter, work);
 }
 
 /// What looking at an element costs beside a small constant, in the meter's units.

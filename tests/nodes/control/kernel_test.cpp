@@ -133,12 +133,12 @@ TEST(Kernel, ChangesEveryElementOfAnArray) {
 TEST(Kernel, GivesTheSameWithAnyNumberOfThreads) {
     Reals elements;
     Reals expected;
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 200; ++i) {
         elements.push_back(static_cast<float>(i));
         expected.push_back(static_cast<float>(i + 10));
     }
     AddingKernel net(elements);
-    for (const int threads : {1, 2, 3, 8, 64, 999, 1000, 1001, 1000000, INT_MAX, 0, -1, INT_MIN}) {
+    for (const int threads : {1, 2, 3, 8, 64, 199, 200, 201, 1000000, INT_MAX, 0, -1, INT_MIN}) {
         net.set("C.K.threads", threads);
         net.scene.run();
         EXPECT_EQ(net.scene.lastOutcome(), RunOutcome::finished);

@@ -11,18 +11,14 @@ using weft::BitArrayValue;
 
 namespace {
 
-using array_nodes::bitsPerWord;
-
 // 32 bits of `words` from bit `first` on; those at or behind `end` are 0.
 uint32_t bitsAt(const uint32_t* words, uint64_t first, uint64_t end) {
     const uint64_t word = first / bitsPerWord;
     const unsigned shift = first % bitsPerWord;
     uint64_t pair = words[word];
     if (shift > 0 && (word + 1) * bitsPerWord < end) pair |= uint64_t(words[word + 1]) << 32;
-    auto bits = static_cast<uint32_t>(pair >> shift);
-    const uint64_t left = end - first;
-    if (left < bitsPerWord) bits &= (uint32_t(1) << left) - 1;
-    return bits;
+    const auto bits = static_cast<uint32_t>(pair >> shift);
+    return bits & lowBits(static_cast<uint32_t>(std::min<uint64_t>(end - first, bitsPerWord)));
 }
 
 // New bits, written from the front to the back.
@@ -31,7 +27,7 @@ public:
     explicit BitWriter(uint64_t count) {
         constexpr uint64_t most = 0x7fffffff;
         if (count > most) throw std::bad_alloc();
-        const uint64_t words = (count + bitsPerWord - 1) / bitsPerWord;
+        const uint32_t words = wordsFor(count);
         limits::checkElements(words, sizeof(uint32_t));
         words_.resize(words);
     }

@@ -214,36 +214,59 @@ private:
     Port* outArray_;
 };
 
+/// Base of the operations that leave elements out and tell by a mask which ones.
 template <typename Port>
-class ArrayRemoveElement : public ArrayOperation<Port> {
+class ArrayRemoval : public ArrayOperation<Port> {
+protected:
+    using ArrayOperation<Port>::ArrayOperation;
+
+    void addArray();
+    void addOutArray(const char* help);
+    void addMask();
+    /// What "out array" and "mask" are to show of `from`, the elements of "array". `read` are the
+    /// values that are still read then.
+    template <typename T>
+    void writeRemaining(std::span<const T> from, const Array<uint32_t>& kept,
+                        std::initializer_list<const weft::Value*> read, bool wantsMask,
+                        WorkMeter& meter);
+
+    Port* array_ = nullptr;
+    Port* outArray_ = nullptr;
+    BitArrayAttribute* mask_ = nullptr;
+};
+
+template <typename Port>
+class ArrayRemoveElement : public ArrayRemoval<Port> {
 public:
     ArrayRemoveElement(weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
                        typename ArrayOperation<Port>::MakePort makePort);
     void update(weft::Attribute* asked) override;
 
 private:
-    Port* array_;
+    using ArrayRemoval<Port>::array_;
+    using ArrayRemoval<Port>::outArray_;
+    using ArrayRemoval<Port>::mask_;
+
     Port* element_;
-    Port* outArray_;
-    BitArrayAttribute* mask_;
 };
 
 template <typename Port>
-class ArrayRemoveIndex : public ArrayOperation<Port> {
+class ArrayRemoveIndex : public ArrayRemoval<Port> {
 public:
     ArrayRemoveIndex(weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
                      typename ArrayOperation<Port>::MakePort makePort);
     void update(weft::Attribute* asked) override;
 
 private:
-    Port* array_;
+    using ArrayRemoval<Port>::array_;
+    using ArrayRemoval<Port>::outArray_;
+    using ArrayRemoval<Port>::mask_;
+
     NumericAttribute* index_;
-    Port* outArray_;
-    BitArrayAttribute* mask_;
 };
 
 template <typename Port>
-class ArrayRemoveRepeatedElements : public ArrayOperation<Port> {
+class ArrayRemoveRepeatedElements : public ArrayRemoval<Port> {
 public:
     ArrayRemoveRepeatedElements(weft::NetworkManager* manager, const TM_String& name,
                                 weft::Node* parent,
@@ -251,10 +274,11 @@ public:
     void update(weft::Attribute* asked) override;
 
 private:
-    Port* array_;
+    using ArrayRemoval<Port>::array_;
+    using ArrayRemoval<Port>::outArray_;
+    using ArrayRemoval<Port>::mask_;
+
     NumericAttribute* newToOld_;
-    BitArrayAttribute* mask_;
-    Port* outArray_;
 };
 
 // The same by element type.

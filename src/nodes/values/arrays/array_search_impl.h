@@ -70,7 +70,7 @@ Array<uint32_t> membersIn(std::span<const T> elements, std::span<const T> member
                           WorkMeter& meter) {
     const Membership<T> set(members, meter);
     Array<uint32_t> words;
-    words.resize(static_cast<uint32_t>((elements.size() + bitsPerWord - 1) / bitsPerWord), 0);
+    words.resize(wordsFor(elements.size()), 0);
     for (std::size_t i = 0; i < elements.size(); ++i) {
         words[i / bitsPerWord] |= uint32_t(set.contains(elements[i])) << i % bitsPerWord;
         meter.add(workOf(elements[i]));
@@ -93,7 +93,7 @@ void ArrayFindAllElementIndices<Port>::update(weft::Attribute* asked) {
         const Array<uint32_t> found = array_nodes::membersIn(from, elementsOf<T>(element), meter);
         if (isNeeded(*index_, asked)) {
             uint32_t next = 0;
-            this->writeIntegers(index_, array_nodes::countBits(found.data(), count), [&](uint32_t) {
+            this->writeIntegers(index_, countSetBits(found.data(), count), [&](uint32_t) {
                 while (!array_nodes::isKept(found, next)) ++next;
                 return static_cast<int32_t>(next++);
             });
@@ -108,21 +108,50 @@ void ArrayFindAllElementIndices<Port>::update(weft::Attribute* asked) {
 // Removing.
 
 template <typename Port>
+void ArrayRemoval<Port>::addArray() {
+    array_ = this->addArrayInput("array", "The array to remove from.");
+}
+
+template <typename Port>
+void ArrayRemoval<Port>::addOutArray(const char* help) {
+    outArray_ = this->addArrayOutput("out array", help);
+    this->addAttributeAllowedPassThrough(array_, outArray_);
+}
+
+template <typename Port>
+void ArrayRemoval<Port>::addMask() {
+    mask_ = this->template addOutput<BitArrayAttribute>(
+        "mask", "A bit for each element of the input array, 0 for a removed one.");
+}
+
+template <typename Port>
+template <typename T>
+void ArrayRemoval<Port>::writeRemaining(std::span<const T> from, const Array<uint32_t>& kept,
+                                        std::initializer_list<const weft::Value*> read,
+                                        bool wantsMask, WorkMeter& meter) {
+    const auto count = static_cast<uint32_t>(from.size());
+    writeElements<T>(*this->target(outArray_), read,
+                     [&](Array<T>& out) { array_nodes::writeKept(from, kept.data(), out, meter); });
+    this->written(outArray_);
+    if (!wantsMask) return;
+    array_nodes::writeMask(*mask_, kept, count);
+    this->written(mask_);
+}
+
+template <typename Port>
 ArrayRemoveElement<Port>::ArrayRemoveElement(weft::NetworkManager* manager, const TM_String& name,
                                              weft::Node* parent,
                                              typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
+    : ArrayRemoval<Port>(manager, name, parent, makePort) {
     this->describe("This node removes all elements of the 'by_value' from the input 'array'. The "
                    "returned mask has the same size as the input 'array' and is set to 0 at "
                    "removed positions.");
-    array_ = this->addArrayInput("array", "The array to remove from.");
+    this->addArray();
     element_ = this->addArrayInput("element",
                                    "The value to remove all its instances from the input array");
-    outArray_ = this->addArrayOutput("out array", "The elements that are left, in order.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the input array, 0 for a removed one.");
+    this->addOutArray("The elements that are left, in order.");
+    this->addMask();
     this->setAttributeAffectAllOutputsByAllInputs();
-    this->addAttributeAllowedPassThrough(array_, outArray_);
 }
 
 template <typename Port>
@@ -131,22 +160,14 @@ void ArrayRemoveElement<Port>::update(weft::Attribute* asked) {
     element_->pull();
     const auto& array = this->read(array_);
     const auto& element = this->read(element_);
-    auto* target = this->target(outArray_);
-    if (!target) return;
+    if (!this->target(outArray_)) return;
     const bool wantsMask = this->isWanted(mask_, asked, this->isInPlace(array_, outArray_));
     WorkMeter meter(*this->networkManager());
     withElementsOf(array, [&]<typename T>() {
         const std::span<const T> from = elementsOf<T>(array);
-        const auto count = static_cast<uint32_t>(from.size());
         Array<uint32_t> kept = array_nodes::membersIn(from, elementsOf<T>(element), meter);
         for (uint32_t& word : kept) word = ~word;
-        writeElements<T>(*target, {&array, &element}, [&](Array<T>& out) {
-            array_nodes::writeKept(from, kept.data(), out, meter);
-        });
-        this->written(outArray_);
-        if (!wantsMask) return;
-        array_nodes::writeMask(*mask_, kept, count);
-        this->written(mask_);
+        this->writeRemaining(from, kept, {&array, &element}, wantsMask, meter);
     });
 }
 
@@ -154,15 +175,13 @@ template <typename Port>
 ArrayRemoveIndex<Port>::ArrayRemoveIndex(weft::NetworkManager* manager, const TM_String& name,
                                          weft::Node* parent,
                                          typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
+    : ArrayRemoval<Port>(manager, name, parent, makePort) {
     this->describe("This node removes all input array positions by the 'index' input. ");
-    array_ = this->addArrayInput("array", "The array to remove from.");
+    this->addArray();
     index_ = this->addIntegerInput("index", "The positions of the input array to remove", 0);
-    outArray_ = this->addArrayOutput("out array", "The elements that are left, in order.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the input array, 0 for a removed one.");
+    this->addOutArray("The elements that are left, in order.");
+    this->addMask();
     this->setAttributeAffectAllOutputsByAllInputs();
-    this->addAttributeAllowedPassThrough(array_, outArray_);
 }
 
 template <typename Port>
@@ -170,8 +189,7 @@ void ArrayRemoveIndex<Port>::update(weft::Attribute* asked) {
     array_->pull();
     index_->pull();
     const auto& array = this->read(array_);
-    auto* target = this->target(outArray_);
-    if (!target) return;
+    if (!this->target(outArray_)) return;
     const bool wantsMask = this->isWanted(mask_, asked, this->isInPlace(array_, outArray_));
     WorkMeter meter(*this->networkManager());
     withElementsOf(array, [&]<typename T>() {
@@ -186,13 +204,7 @@ void ArrayRemoveIndex<Port>::update(weft::Attribute* asked) {
             }
             meter.add(0);
         }
-        writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            array_nodes::writeKept(from, kept.data(), out, meter);
-        });
-        this->written(outArray_);
-        if (!wantsMask) return;
-        array_nodes::writeMask(*mask_, kept, count);
-        this->written(mask_);
+        this->writeRemaining(from, kept, {&array}, wantsMask, meter);
     });
 }
 
@@ -200,29 +212,28 @@ template <typename Port>
 ArrayRemoveRepeatedElements<Port>::ArrayRemoveRepeatedElements(
     weft::NetworkManager* manager, const TM_String& name, weft::Node* parent,
     typename ArrayOperation<Port>::MakePort makePort)
-    : ArrayOperation<Port>(manager, name, parent, makePort) {
+    : ArrayRemoval<Port>(manager, name, parent, makePort) {
     this->describe(
         "This node removes all repetitions of elements from the input 'array'. The 'new_to_old' "
         "array can be used as an 'index' input for a GetArrayElement-Node to restore the original "
         "array. The returned mask has the same size as the input 'array' and is set to 0 at "
         "removed positions.");
-    array_ = this->addArrayInput("array", "The array to remove from.");
+    this->addArray();
     newToOld_ = this->addIntegerOutput(
         "new to old", "For each element of the input array, its position in the output array.");
-    mask_ = this->template addOutput<BitArrayAttribute>(
-        "mask", "A bit for each element of the input array, 0 for a removed one.");
-    outArray_ = this->addArrayOutput("out array", "The first of each of the elements, in order.");
+    this->addMask();
+    this->addOutArray("The first of each of the elements, in order.");
     this->setAttributeAffectAllOutputsByAllInputs();
-    this->addAttributeAllowedPassThrough(array_, outArray_);
 }
 
 template <typename Port>
 void ArrayRemoveRepeatedElements<Port>::update(weft::Attribute* asked) {
     array_->pull();
     const auto& array = this->read(array_);
-    auto* target = this->target(outArray_);
-    if (!target) return;
+    if (!this->target(outArray_)) return;
     const bool inPlace = this->isInPlace(array_, outArray_);
+    const bool wantsMask = this->isWanted(mask_, asked, inPlace);
+    const bool wantsPlaces = this->isWanted(newToOld_, asked, inPlace);
     WorkMeter meter(*this->networkManager());
     withElementsOf(array, [&]<typename T>() {
         const std::span<const T> from = elementsOf<T>(array);
@@ -242,16 +253,9 @@ void ArrayRemoveRepeatedElements<Port>::update(weft::Attribute* asked) {
             }
             meter.add(workOf(from[i]));
         }
-        writeElements<T>(*target, {&array}, [&](Array<T>& out) {
-            array_nodes::writeKept(from, kept.data(), out, meter);
-        });
-        this->written(outArray_);
-        if (this->isWanted(newToOld_, asked, inPlace)) {
-            this->writeIntegers(newToOld_, count, [&](uint32_t i) { return places[i]; });
-        }
-        if (!this->isWanted(mask_, asked, inPlace)) return;
-        array_nodes::writeMask(*mask_, kept, count);
-        this->written(mask_);
+        this->writeRemaining(from, kept, {&array}, wantsMask, meter);
+        if (!wantsPlaces) return;
+        this->writeIntegers(newToOld_, count, [&](uint32_t i) { return places[i]; });
     });
 }
 

@@ -3,48 +3,35 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 
 #include "nodes/values/arrays/array_operation.h"
+#include "nodes/values/packing.h"
 
 namespace tidemark::sluice::graph {
 
 namespace array_nodes {
 
-constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
-constexpr uint32_t allBits = ~uint32_t(0);
-
 /// Copies the elements of `in` whose bit of `words` is set to `out`, in order. There is room for
-/// all of them; `out` may be `in`.
+/// all of them, and for `packSurplus` more unless that is more than `count`.
 template <typename T>
 void keep(const T* in, uint32_t count, const uint32_t* words, T* out, WorkMeter& meter) {
-    for (uint32_t first = 0; first < count; first += bitsPerWord) {
-        uint32_t word = words[first / bitsPerWord];
-        const uint32_t left = count - first;
-        if (left < bitsPerWord) word &= (uint32_t(1) << left) - 1;
-        if (word == allBits) {
-            out = std::copy_n(in + first, bitsPerWord, out);
-        } else {
-            for (; word != 0; word &= word - 1) *out++ = in[first + std::countr_zero(word)];
+    if constexpr (isPackedAtOnce<T>) {
+        inPieces(count, meter, [&](uint32_t first, uint32_t end) {
+            out = pack(in + first, end - first, words + first / bitsPerWord, 0, out);
+        });
+    } else {
+        for (uint32_t first = 0; first < count; first += bitsPerWord) {
+            const uint32_t length = std::min(bitsPerWord, count - first);
+            out = pack(in + first, length, words + first / bitsPerWord, 0, out);
+            meter.add(bitsPerWord * (workOf(in[first]) + 1));
         }
-        meter.add(bitsPerWord);
-        if constexpr (std::is_same_v<T, TM_String>) meter.add(workOf(in[first]) * bitsPerWord);
     }
-}
-
-/// How many of the first `count` bits are set.
-inline uint32_t countBits(const uint32_t* words, uint32_t count) {
-    uint32_t set = 0;
-    for (uint32_t i = 0; i < count / bitsPerWord; ++i) set += std::popcount(words[i]);
-    const uint32_t rest = count % bitsPerWord;
-    if (rest > 0) set += std::popcount(words[count / bitsPerWord] & ((uint32_t(1) << rest) - 1));
-    return set;
 }
 
 /// A bit for each element, all set.
 inline Array<uint32_t> allKept(std::size_t count) {
     Array<uint32_t> words;
-    words.resize(static_cast<uint32_t>((count + bitsPerWord - 1) / bitsPerWord), allBits);
+    words.resize(wordsFor(count), allOnes);
     return words;
 }
 
@@ -59,8 +46,11 @@ inline void drop(Array<uint32_t>& kept, uint32_t position) {
 template <typename T>
 void writeKept(std::span<const T> in, const uint32_t* kept, Array<T>& out, WorkMeter& meter) {
     const auto count = static_cast<uint32_t>(in.size());
-    sizeForWriting(out, countBits(kept, count), meter);
+    const uint32_t left = countSetBits(kept, count);
+    const uint32_t surplus = isPackedAtOnce<T> ? std::min(packSurplus, count - left) : 0;
+    sizeForWriting(out, uint64_t(left) + surplus, meter);
     keep(in.data(), count, kept, out.data(), meter);
+    out.resize(left);
 }
 
 inline void writeMask(BitArrayAttribute& pin, const Array<uint32_t>& words, uint32_t count) {

@@ -44,7 +44,7 @@ inline uint64_t mixedBits(uint64_t bits) {
 /// Equal elements have equal hashes.
 template <typename T>
 uint64_t hashOf(const T& element) {
-    if constexpr (floatsIn < T >> 0) {
+    if constexpr (floatsIn<T> != 0) {
         const auto* floats = reinterpret_cast<const float*>(&element);
         uint64_t hash = 0;
         for (unsigned i = 0; i < floatsIn<T>; ++i) {

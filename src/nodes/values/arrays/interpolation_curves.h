@@ -25,7 +25,7 @@
 #include <span>
 
 #include "core/export.h"
-#include "nodes/values/arrays/num_components.h"
+#include "nodes/values/components.h"
 
 namespace tidemark::sluice::graph {
 

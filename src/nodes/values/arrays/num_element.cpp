@@ -137,7 +137,7 @@ private:
             }
         };
         try {
-            forEachStretch(*this, count, set);
+            inPieces(*this, count, set);
         } catch (...) {
             // In place the array is another node's.
             if (!outArray_->isPassThrough()) showNothing<T>(target);

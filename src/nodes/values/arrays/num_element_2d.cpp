@@ -103,7 +103,7 @@ private:
         const std::span<const int32_t> x = elementsOf<int32_t>(x_->numeric());
         const std::span<const int32_t> y = elementsOf<int32_t>(y_->numeric());
         const T outside = filledElement<T>(0);
-        forEachStretch(*this, count, [&](uint32_t first, uint32_t end) {
+        inPieces(*this, count, [&](uint32_t first, uint32_t end) {
             for (uint32_t i = first; i < end; ++i) {
                 const int32_t column = x[std::min<std::size_t>(i, x.size() - 1)];
                 const int32_t row = y[std::min<std::size_t>(i, y.size() - 1)];

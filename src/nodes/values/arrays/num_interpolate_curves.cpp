@@ -56,7 +56,7 @@ Array<float> sampleDistances(const weft::Node& node, const HermiteCurve<T>& curv
     };
     forEachElement(node, static_cast<uint32_t>(steps), pointNanoseconds<T> * 2, chords);
     double distance = 0;
-    forEachStretch(node, distances.size(), [&](uint32_t first, uint32_t end) {
+    inPieces(node, distances.size(), [&](uint32_t first, uint32_t end) {
         for (uint32_t i = first; i < end; ++i) out[i] = static_cast<float>(distance += out[i]);
     });
     return distances;

@@ -35,7 +35,7 @@ Number dividedByCount(Number sum, uint32_t count) {
 template <typename T>
 T sumOf(const weft::Node& node, std::span<const T> elements) {
     T sum = filledElement<T>(0);
-    forEachStretch(node, static_cast<uint32_t>(elements.size()), [&](uint32_t first, uint32_t end) {
+    inPieces(node, static_cast<uint32_t>(elements.size()), [&](uint32_t first, uint32_t end) {
         Component<T> sums[componentCount<T>];
         eachComponent<T>([&](auto k) { sums[k] = componentsOf(sum)[k]; });
         for (const T& element : elements.subspan(first, end - first)) {
@@ -136,7 +136,7 @@ Extremes extremesOf(const weft::Node& node, std::span<const T> elements) {
     Extremes found;
     Component<T> least = *componentsOf(elements[0]);
     Component<T> most = least;
-    forEachStretch(node, static_cast<uint32_t>(elements.size()), [&](uint32_t first, uint32_t end) {
+    inPieces(node, static_cast<uint32_t>(elements.size()), [&](uint32_t first, uint32_t end) {
         for (uint32_t i = first; i < end; ++i) {
             const Component<T> number = *componentsOf(elements[i]);
             if (number < least) {

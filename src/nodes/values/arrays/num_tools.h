@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the nodes over numeric arrays share: declaring their pins, choosing by type, long loops.
+// What the nodes over numeric arrays share: declaring their pins, choosing by type, making
+// elements.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +10,7 @@
 
 #include "core/node.h"
 #include "core/numeric.h"
-#include "nodes/values/arrays/num_components.h"
+#include "nodes/values/components.h"
 #include "nodes/values/element_map.h"
 #include "nodes/values/value_tools.h"
 
@@ -29,19 +30,6 @@ inline void declareNumber(weft::NumericAttribute& pin, const weft::Specializatio
 /// Each of these pins takes exactly one element.
 inline void takeOneElement(std::initializer_list<weft::Attribute*> pins) {
     for (weft::Attribute* pin : pins) pin->setElementCountRule(1);
-}
-
-/// `work(first, end)` over 0 to `count` in stretches, in order, answering an interrupt of the run
-/// after each. Throws what the interrupt throws.
-template <typename Work>
-void forEachStretch(const weft::Node& node, uint32_t count, Work work) {
-    constexpr uint32_t longest = uint32_t(1) << 18;
-    for (uint32_t first = 0; first < count;) {
-        const uint32_t end = first + std::min(longest, count - first);
-        work(first, end);
-        first = end;
-        node.networkManager()->pollInterrupt();
-    }
 }
 
 /// For what was not computed to its end, so that nobody reads it.
@@ -72,7 +60,7 @@ void generateElements(const weft::Node& node, weft::Numeric& target, uint32_t co
         for (; i < end; ++i) out[i] = next(i);
     };
     try {
-        forEachStretch(node, count, fill);
+        inPieces(node, count, fill);
     } catch (...) {
         showNothing<T>(target);
         throw;

@@ -6,6 +6,7 @@
 #include "nodes/values/bits/bit_words.h"
 #include "nodes/values/random_steps.h"
 #include "nodes/values/unfinished_output.h"
+#include "platform/processors.h"
 
 namespace tidemark::sluice::graph {
 
@@ -71,8 +72,8 @@ uint32_t randomWordsPlain(uint32_t state, uint32_t* words, uint32_t count) {
     return randomWordsInline(state, words, count);
 }
 uint32_t randomWords(uint32_t state, uint32_t* words, uint32_t count) {
-    return hasWideInstructions() ? randomWordsInWideLanes(state, words, count)
-                                 : randomWordsPlain(state, words, count);
+    return platform::hasWideInstructions() ? randomWordsInWideLanes(state, words, count)
+                                           : randomWordsPlain(state, words, count);
 }
 #else
 uint32_t randomWords(uint32_t state, uint32_t* words, uint32_t count) {
@@ -221,8 +222,8 @@ public:
         uint32_t* const words = target->wordData();
         uint32_t state = RandomSteps(seed_->numeric().value<int32_t>()).state();
         WorkMeter meter(*networkManager());
-        inStretches(wordsFor(target->size()), meter, [&](uint32_t first, uint32_t count) {
-            state = randomWords(state, words + first, count);
+        inPieces(wordsFor(target->size()), meter, [&](uint32_t first, uint32_t end) {
+            state = randomWords(state, words + first, end - first);
         });
         array_->valueChanged();
         setAttributeIsClean(array_, true);

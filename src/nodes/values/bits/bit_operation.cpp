@@ -5,6 +5,7 @@
 #include "core/enum_value.h"
 #include "graph/define_node.h"
 #include "nodes/values/bits/bit_words.h"
+#include "nodes/values/lanes.h"
 #include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
@@ -60,7 +61,8 @@ struct Implies {
 
 template <typename Op>
 void combineWords(const uint32_t* a, const uint32_t* b, uint32_t* result, uint32_t count) {
-    mapWords(a, b, result, count, Op::apply);
+    mapLanes(
+        result, count, [](uint32_t left, uint32_t right) { return Op::apply(left, right); }, a, b);
 }
 
 // Null for a key that is no operation.
@@ -95,9 +97,9 @@ public:
         repeated_.fill(last_);
     }
 
-    // Calls `work(words, first, count)` for consecutive stretches of `wordCount` words.
+    // Calls `work(words, first, count)` for consecutive rows of `wordCount` words.
     template <typename Work>
-    void forEachStretch(uint32_t wordCount, Work work) const {
+    void forEachRow(uint32_t wordCount, Work work) const {
         const uint32_t whole = std::min(size_ / bitsPerWord, wordCount);
         const uint32_t* const words = bits_.words().data();
         if (whole > 0) work(words, 0, whole);
@@ -128,11 +130,11 @@ void combine(Combine combination, const BitArrayValue& in0, const BitArrayValue&
     // Where the result is "in1" itself, that is extended first, as the last element tells.
     target.resize(size, &target == &in1 && in1.valueAt(in1.size()));
     const RepeatingBits second(in1);
-    second.forEachStretch(wordsFor(size), [&](const uint32_t* b, uint32_t from, uint32_t length) {
+    second.forEachRow(wordsFor(size), [&](const uint32_t* b, uint32_t from, uint32_t length) {
         const uint32_t* const a = in0.words().data() + from;
         uint32_t* const result = target.wordData() + from;
-        inStretches(length, meter, [&](uint32_t first, uint32_t count) {
-            combination(a + first, b + first, result + first, count);
+        inPieces(length, meter, [&](uint32_t first, uint32_t end) {
+            combination(a + first, b + first, result + first, end - first);
         });
     });
 }

@@ -6,6 +6,8 @@
 #include <bit>
 #include <cstring>
 
+#include "nodes/values/lanes.h"
+
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
@@ -37,9 +39,9 @@ void invertBits(const BitArrayValue& source, BitArrayValue& target, WorkMeter& m
     target.resize(source.size(), false);
     const uint32_t* const in = source.words().data();
     uint32_t* const out = target.wordData();
-    inStretches(wordsFor(source.size()), meter, [&](uint32_t first, uint32_t count) {
-        mapWords(in + first, in + first, out + first, count,
-                 [](uint32_t word, uint32_t) { return ~word; });
+    inPieces(wordsFor(source.size()), meter, [&](uint32_t first, uint32_t end) {
+        mapLanes(
+            out + first, end - first, [](uint32_t word) { return ~word; }, in + first);
     });
 }
 
@@ -147,9 +149,9 @@ uint32_t compressBits(const uint32_t* words, const uint32_t* mask, uint32_t bits
     BitWriter writer(target, room);
     uint32_t total = 0;
     const uint32_t pairs = bits / bitsAtOnce;
-    inStretches(pairs, meter, [&](uint32_t first, uint32_t count) {
+    inPieces(pairs, meter, [&](uint32_t first, uint32_t end) {
         const uint32_t word = first * wordsAtOnce;
-        total += pack(words + word, mask + word, count, writer);
+        total += pack(words + word, mask + word, end - first, writer);
     });
     if (const uint32_t rest = bits % bitsAtOnce) {
         const uint32_t word = pairs * wordsAtOnce;
@@ -184,8 +186,9 @@ constexpr uint32_t turnedAtOnce = 1024;
 [[gnu::always_inline]] inline void closeGap(const uint32_t* turned, uint32_t count, uint32_t gap,
                                             uint32_t* target) {
     const uint32_t rest = bitsPerWord - 1 - gap;
-    mapWords(turned, turned + 1, target, count,
-             [=](uint32_t low, uint32_t high) { return low >> gap | high << 1 << rest; });
+    mapLanesInline(
+        target, count, [=](uint32_t low, uint32_t high) { return low >> gap | high << 1 << rest; },
+        turned, turned + 1);
 }
 
 using Turn = void (*)(const uint32_t* words, uint32_t count, uint32_t gap, uint32_t before,
@@ -210,7 +213,7 @@ void turnBlock(const uint32_t* words, uint32_t count, uint32_t gap, uint32_t bef
                                                   uint32_t gap, uint32_t before, uint32_t* target) {
     turnBlockInline(words, count, gap, before, target);
 }
-Turn chooseTurn() { return hasWideInstructions() ? turnBlockInWideLanes : turnBlock; }
+Turn chooseTurn() { return platform::hasWideInstructions() ? turnBlockInWideLanes : turnBlock; }
 #else
 Turn chooseTurn() { return turnBlock; }
 #endif
@@ -300,7 +303,7 @@ int32_t* writeSomePositions(const uint32_t* words, uint32_t first, uint32_t coun
     return writePositionsInline(words, first, count, next, end);
 }
 WritePositions chooseWritePositions() {
-    return hasWideInstructions() ? writeSomePositionsInWideLanes : writeSomePositions;
+    return platform::hasWideInstructions() ? writeSomePositionsInWideLanes : writeSomePositions;
 }
 #else
 WritePositions chooseWritePositions() { return writeSomePositions; }
@@ -312,8 +315,8 @@ void writePositions(const uint32_t* words, uint32_t bits, int32_t* positions, ui
                     WorkMeter& meter) {
     static const WritePositions writeSome = chooseWritePositions();
     int32_t* next = positions;
-    inStretches(bits / bitsPerWord, meter, [&](uint32_t first, uint32_t length) {
-        next = writeSome(words, first, length, next, positions + count);
+    inPieces(bits / bitsPerWord, meter, [&](uint32_t first, uint32_t end) {
+        next = writeSome(words, first, end - first, next, positions + count);
     });
     const uint32_t rest = bits % bitsPerWord;
     if (rest == 0) return;
@@ -360,8 +363,8 @@ void writeDigits(const uint32_t* words, uint32_t first, uint32_t count, char* di
         const uint64_t high = i + 1 < lastWord ? start[i + 1] : 0;
         return static_cast<uint32_t>((high << bitsPerWord | start[i]) >> shift);
     };
-    inStretches(count / bitsPerWord, meter, [&](uint32_t from, uint32_t length) {
-        for (uint32_t i = from; i < from + length; ++i) {
+    inPieces(count / bitsPerWord, meter, [&](uint32_t from, uint32_t end) {
+        for (uint32_t i = from; i < end; ++i) {
             const uint32_t word = wordAt(i);
             char* const out = digits + std::size_t(i) * bitsPerWord;
             for (uint32_t k = 0; k < bitsPerWord; k += digitsAtOnce) {
@@ -376,8 +379,8 @@ void writeDigits(const uint32_t* words, uint32_t first, uint32_t count, char* di
 }
 
 void readDigits(const char* digits, uint32_t count, uint32_t* words, WorkMeter& meter) {
-    inStretches(count / bitsPerWord, meter, [&](uint32_t first, uint32_t length) {
-        for (uint32_t i = first; i < first + length; ++i) {
+    inPieces(count / bitsPerWord, meter, [&](uint32_t from, uint32_t end) {
+        for (uint32_t i = from; i < end; ++i) {
             const char* const in = digits + std::size_t(i) * bitsPerWord;
             words[i] = bitsOfEight(in) | bitsOfEight(in + 8) << 8 | bitsOfEight(in + 16) << 16 |
                        bitsOfEight(in + 24) << 24;

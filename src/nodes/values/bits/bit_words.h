@@ -2,30 +2,17 @@
 // What the bit nodes share: work on whole words of bit arrays. Bits are numbered as in
 // `BitArrayValue`; what lies in a last word beyond the elements may be read and is never relied on.
 //
-//     compressBits(words, mask, 96, target, 3, meter);     // the bits of `words` where `mask` is
-//     set
+//     compressBits(words, mask, 96, target, 3, meter); // what of `words` has its bit in `mask` set
 #pragma once
 
 #include <algorithm>
 #include <limits>
 
 #include "core/bit_array.h"
+#include "core/words.h"
 #include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
-
-constexpr uint32_t bitsPerWord = weft::BitArrayValue::bitsPerWord;
-constexpr uint32_t allOnes = ~uint32_t(0);
-
-/// The words that hold that many bits.
-constexpr uint32_t wordsFor(uint64_t bits) {
-    return static_cast<uint32_t>((bits + bitsPerWord - 1) / bitsPerWord);
-}
-
-/// A mask of the lowest `count` bits, which is at most a word's.
-constexpr uint32_t lowBits(uint32_t count) {
-    return count >= bitsPerWord ? allOnes : (uint32_t(1) << count) - 1;
-}
 
 /// A count or position as an "Integer"; what does not fit is the largest one.
 constexpr int32_t asInteger(int64_t number) {
@@ -54,51 +41,6 @@ private:
     uint32_t size_;
     uint32_t held_;
 };
-
-/// Calls `work(first, count)` for consecutive stretches of `words` words, and answers interrupts in
-/// between.
-template <typename Work>
-void inStretches(uint32_t words, WorkMeter& meter, Work work) {
-    constexpr uint32_t most = 1 << 16;
-    for (uint32_t first = 0; first < words;) {
-        const uint32_t count = words - first < most ? words - first : most;
-        work(first, count);
-        meter.add(count);
-        first += count;
-    }
-}
-
-#if defined(__x86_64__)
-/// True when the processor has vector instructions for eight words at once (AVX2).
-inline bool hasWideInstructions() {
-    static const bool answer =
-        __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0;
-    return answer;
-}
-#endif
-
-// Each word is read before it is written, and no other depends on it.
-#if defined(__GNUC__) && !defined(__clang__)
-#define SLUICE_INDEPENDENT_WORDS _Pragma("GCC ivdep")
-#else
-#define SLUICE_INDEPENDENT_WORDS
-#endif
-
-/// Sets `result[i]` to `op(a[i], b[i])`. The result may be one of the operands.
-template <typename Op>
-[[gnu::always_inline]] inline void mapWords(const uint32_t* a, const uint32_t* b, uint32_t* result,
-                                            uint32_t count, Op op) {
-    // Blocks of a fixed length become vector instructions.
-    constexpr uint32_t wordsPerBlock = 16;
-    uint32_t i = 0;
-    for (; i + wordsPerBlock <= count; i += wordsPerBlock) {
-        SLUICE_INDEPENDENT_WORDS
-        for (uint32_t k = i; k < i + wordsPerBlock; ++k) result[k] = op(a[k], b[k]);
-    }
-    for (; i < count; ++i) result[i] = op(a[i], b[i]);
-}
-
-#undef SLUICE_INDEPENDENT_WORDS
 
 /// The word with its bits in the opposite order.
 constexpr uint32_t reversed(uint32_t word) {

@@ -5,6 +5,9 @@
 
 #include <array>
 
+#include "nodes/values/components.h"
+#include "platform/processors.h"
+
 namespace tidemark::sluice::graph {
 
 namespace {
@@ -58,27 +61,18 @@ struct Zero {
 
 // Tests of two elements.
 
-template <typename T>
-constexpr std::size_t componentsOf = std::is_arithmetic_v<T> ? 1 : sizeof(T) / sizeof(float);
-
-template <typename T>
-const float* components(const T& element) {
-    static_assert(sizeof(T) % sizeof(float) == 0 && alignof(T) == alignof(float));
-    return reinterpret_cast<const float*>(&element);
-}
-
 template <typename Test, typename T, typename R>
 [[gnu::always_inline]] inline bool allHold(const T& left, const R& right) {
     if constexpr (std::is_arithmetic_v<T>) {
         return Test::holds(left, right);
     } else {
         bool all = true;
-        for (std::size_t i = 0; i < componentsOf<T>; ++i) {
+        for (std::size_t i = 0; i < componentCount<T>; ++i) {
             // A number on the right stands for all components.
             if constexpr (std::is_arithmetic_v<R>) {
-                all &= Test::holds(components(left)[i], right);
+                all &= Test::holds(componentsOf(left)[i], right);
             } else {
-                all &= Test::holds(components(left)[i], components(right)[i]);
+                all &= Test::holds(componentsOf(left)[i], componentsOf(right)[i]);
             }
         }
         return all;
@@ -87,9 +81,9 @@ template <typename Test, typename T, typename R>
 
 // Tests of blocks.
 
-constexpr std::array<uint32_t, testsPerWord> bitOfLane = [] {
-    std::array<uint32_t, testsPerWord> bits{};
-    for (uint32_t i = 0; i < testsPerWord; ++i) bits[i] = uint32_t(1) << i;
+constexpr std::array<uint32_t, bitsPerWord> bitOfLane = [] {
+    std::array<uint32_t, bitsPerWord> bits{};
+    for (uint32_t i = 0; i < bitsPerWord; ++i) bits[i] = uint32_t(1) << i;
     return bits;
 }();
 
@@ -152,10 +146,10 @@ constexpr uint32_t everyThird(uint32_t bits) {
 // Structured elements as the numbers that they are made of.
 template <typename Test, typename T>
 [[gnu::always_inline]] inline uint32_t fullWordOfComponents(const T* left, const T* right) {
-    std::array<uint32_t, componentsOf<T>> flat;
+    std::array<uint32_t, componentCount<T>> flat;
     for (std::size_t i = 0; i < flat.size(); ++i) {
-        flat[i] = word<Test>(components(*left) + i * testsPerWord,
-                             components(*right) + i * testsPerWord, testsPerWord);
+        flat[i] = word<Test>(componentsOf(*left) + i * bitsPerWord,
+                             componentsOf(*right) + i * bitsPerWord, bitsPerWord);
     }
     return folded(flat);
 }
@@ -165,7 +159,7 @@ template <typename Test, typename T, typename R>
     if constexpr (!std::is_arithmetic_v<T> && std::is_same_v<T, R>) {
         return fullWordOfComponents<Test>(left, right);
     } else {
-        return word<Test>(left, right, testsPerWord);
+        return word<Test>(left, right, bitsPerWord);
     }
 }
 
@@ -173,14 +167,13 @@ template <typename Test, typename T, typename R>
 template <typename Test, uint32_t flip, typename T, typename R>
 [[gnu::always_inline]] inline void testBlock(const T* left, const R* right, uint32_t count,
                                              uint32_t* words) {
-    for (; count >= testsPerWord; count -= testsPerWord) {
+    for (; count >= bitsPerWord; count -= bitsPerWord) {
         *words++ = fullWord<Test>(left, right) ^ flip;
-        left += testsPerWord;
-        right += testsPerWord;
+        left += bitsPerWord;
+        right += bitsPerWord;
     }
     if (count == 0) return;
-    const uint32_t used = (uint32_t(1) << count) - 1;
-    *words = (word<Test>(left, right, count) ^ flip) & used;
+    *words = (word<Test>(left, right, count) ^ flip) & lowBits(count);
 }
 
 template <typename Test, uint32_t flip, typename T, typename R>
@@ -194,16 +187,12 @@ template <typename Test, uint32_t flip, typename T, typename R>
                                       uint32_t* words) {
     testBlock<Test, flip>(left, right, count, words);
 }
-bool hasWideInstructions() {
-    static const bool answer = __builtin_cpu_supports("avx2");
-    return answer;
-}
 #endif
 
 template <typename Test, typename T, typename R = T, uint32_t flip = 0>
 BlockTest<T, R> testOf() {
 #if defined(__x86_64__)
-    if (hasWideInstructions()) return wideTest<Test, flip, T, R>;
+    if (platform::hasWideInstructions()) return wideTest<Test, flip, T, R>;
 #endif
     return plainTest<Test, flip, T, R>;
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "core/types.h"
+#include "core/words.h"
 
 namespace tidemark::sluice::graph {
 
@@ -17,11 +18,6 @@ enum class Comparison { equalTo, notEqualTo, lessThan, lessOrEqual, greaterThan,
 /// Two reals are equal when they differ by no more than this, computed in single precision. Orders
 /// are exact.
 constexpr float equalityTolerance = 1.1920929e-5f;
-
-constexpr uint32_t testsPerWord = 32;
-constexpr uint32_t wordsFor(uint32_t count) {
-    return count / testsPerWord + (count % testsPerWord != 0);
-}
 
 /// Most elements of a block: a whole number of words, and little enough for the fast memory.
 template <typename T>

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "core/bit_array.h"
-#include "nodes/values/conditions/packing.h"
 #include "nodes/values/conditions/right_side.h"
+#include "nodes/values/packing.h"
 #include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
@@ -42,7 +42,7 @@ void testAll(const T* elements, uint32_t count, RightSide<R>& right, BlockTest<T
     WorkMeter meter(manager);
     testInBlocks(elements, count, right, test,
                  [&](uint32_t first, uint32_t length, const uint32_t* words) {
-                     std::copy_n(words, wordsFor(length), mask + first / testsPerWord);
+                     std::copy_n(words, wordsFor(length), mask + first / bitsPerWord);
                      meter.add(length);
                  });
 }
@@ -57,11 +57,11 @@ void filterInSteps(const weft::Numeric& values, RightSide<T>& right, BlockTest<T
     testAll(values.values<T>().data(), count, right, test, words, manager);
     Array<T>& array = targets.result->refValues<T>();
     if (targets.result == &values) {
-        const uint32_t flip = targets.keepsFailing ? ~uint32_t(0) : 0;
+        const uint32_t flip = targets.keepsFailing ? allOnes : 0;
         const T* end = pack(array.data(), count, words, flip, array.data());
         array.resize(static_cast<uint32_t>(end - array.data()));
     } else {
-        array.resize(isPackedAtOnce<T> ? count : countKept(words, count));
+        array.resize(isPackedAtOnce<T> ? count : countSetBits(words, count));
         const T* end = pack(values.values<T>().data(), count, words, 0, array.data());
         array.resize(static_cast<uint32_t>(end - array.data()));
     }
@@ -79,7 +79,7 @@ void filterByBlocks(const weft::Numeric& values, RightSide<T>& right, BlockTest<
     WorkMeter meter(manager);
     testInBlocks(elements, count, right, test,
                  [&](uint32_t first, uint32_t length, const uint32_t* words) {
-                     if (mask) std::copy_n(words, wordsFor(length), mask + first / testsPerWord);
+                     if (mask) std::copy_n(words, wordsFor(length), mask + first / bitsPerWord);
                      kept.add(elements + first, length, words);
                      meter.add(length);
                  });

@@ -8,14 +8,9 @@
 #include "core/numeric.h"
 #include "nodes/values/conditions/element_conversion.h"
 #include "nodes/values/conditions/element_tests.h"
+#include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
-
-/// How many elements of type `T` count.
-template <typename T>
-uint32_t elementCount(const weft::Numeric& number) {
-    return std::min(number.size(), number.values<T>().size());
-}
 
 /// What elements of type `T` are compared with. A new one is the default element of `T`.
 ///

@@ -46,14 +46,14 @@ int32_t remainder(int32_t x, int32_t y) { return y == 0 || y == -1 ? 0 : x % y; 
 template <typename T>
 void ofSameType(const weft::Node& node, const Numeric& in, const Numeric& mod, Numeric& result) {
     mapComponents<T>(
-        node, nanosecondsPerNumber * element_map::componentsOf<T>, result,
+        node, nanosecondsPerNumber * static_cast<int>(componentCount<T>), result,
         [](float x, float y) { return std::fmod(x, y); }, elementsOf<T>(in), elementsOf<T>(mod));
 }
 
 template <typename T>
 void byReal(const weft::Node& node, const Numeric& in, const Numeric& mod, Numeric& result) {
     mapNumbers<T>(
-        node, nanosecondsPerNumber * element_map::componentsOf<T>, result,
+        node, nanosecondsPerNumber * static_cast<int>(componentCount<T>), result,
         [](const T& x, float y) {
             T remainders;
             for (unsigned int i = 0; i < T::dimensions(); ++i) remainders[i] = std::fmod(x[i], y);

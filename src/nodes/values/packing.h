@@ -5,21 +5,25 @@
 #include <bit>
 
 #include "core/numeric.h"
-#include "nodes/values/conditions/element_tests.h"
+#include "core/words.h"
 
 namespace tidemark::sluice::graph {
 
 /// Below this many bits in a word, going from bit to bit is faster than looking at every element.
 constexpr int fewBits = 5;
 
+/// So many elements behind the last one that is kept may be overwritten: see below.
+constexpr uint32_t packSurplus = 8;
+
 /// Writes the elements of `block` whose bit of `word` is set to `out` and answers the end of what
-/// was written. Of elements up to 8 bytes, `count` may be overwritten there. `out` may be `block`
-/// or lie before it in the same array.
+/// was written. Behind it, but before `out + count`, up to `packSurplus` elements may be
+/// overwritten when they are trivially copyable. `out` may be `block` or lie before it in the same
+/// array: what is overwritten was read before.
 template <typename T>
 T* packWord(const T* block, uint32_t count, uint32_t word, T* out) {
     if (word == 0) return out;
-    if (word == ~uint32_t(0)) {
-        for (uint32_t i = 0; i < testsPerWord; ++i) *out++ = block[i];
+    if (word == allOnes) {
+        for (uint32_t i = 0; i < bitsPerWord; ++i) *out++ = block[i];
         return out;
     }
     if (sizeof(T) > sizeof(uint64_t) || std::popcount(word) < fewBits) {
@@ -37,12 +41,12 @@ T* packWord(const T* block, uint32_t count, uint32_t word, T* out) {
 template <typename T>
 T* packPlain(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T* out) {
     uint32_t first = 0;
-    for (; first + testsPerWord <= count; first += testsPerWord) {
-        out = packWord(block + first, testsPerWord, *words++ ^ flip, out);
+    for (; first + bitsPerWord <= count; first += bitsPerWord) {
+        out = packWord(block + first, bitsPerWord, *words++ ^ flip, out);
     }
     if (first == count) return out;
     const uint32_t rest = count - first;
-    return packWord(block + first, rest, (*words ^ flip) & ((uint32_t(1) << rest) - 1), out);
+    return packWord(block + first, rest, (*words ^ flip) & lowBits(rest), out);
 }
 
 /// Four bytes of any type.
@@ -62,15 +66,6 @@ T* pack(const T* block, uint32_t count, const uint32_t* words, uint32_t flip, T*
     } else {
         return packPlain(block, count, words, flip, out);
     }
-}
-
-/// How many of the bits of `words` are set; those beyond `count` count for nothing.
-inline uint32_t countKept(const uint32_t* words, uint32_t count) {
-    uint32_t kept = 0;
-    for (uint32_t i = 0; i < count / testsPerWord; ++i) kept += std::popcount(words[i]);
-    const uint32_t rest = count % testsPerWord;
-    if (rest > 0) kept += std::popcount(words[count / testsPerWord] & ((uint32_t(1) << rest) - 1));
-    return kept;
 }
 
 /// Whether an array of `T` may be filled without knowing before how many elements are kept.

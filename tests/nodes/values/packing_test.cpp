@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Keeping elements by the bits of a mask.
-#include "nodes/values/conditions/packing.h"
+#include "nodes/values/packing.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 
 namespace {
 
+using tidemark::wordsFor;
 using namespace tidemark::sluice::graph;
 
 // Of which few, many and all are kept.

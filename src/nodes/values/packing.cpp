@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Keeping elements of four bytes, eight at a time where the processor can.
-#include "nodes/values/conditions/packing.h"
+#include "nodes/values/packing.h"
 
 #include <array>
+
+#include "platform/processors.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -34,10 +36,10 @@ constexpr std::array<uint64_t, patterns> keptLanes = [] {
 [[gnu::target("avx2,popcnt")]] FourBytes* packWide(const FourBytes* block, uint32_t count,
                                                    const uint32_t* words, uint32_t flip,
                                                    FourBytes* out) {
-    for (; count >= testsPerWord; count -= testsPerWord, block += testsPerWord) {
+    for (; count >= bitsPerWord; count -= bitsPerWord, block += bitsPerWord) {
         uint32_t word = *words++ ^ flip;
         if (word == 0) continue;
-        for (uint32_t lane = 0; lane < testsPerWord; lane += lanes) {
+        for (uint32_t lane = 0; lane < bitsPerWord; lane += lanes) {
             const uint32_t pattern = word % patterns;
             word /= patterns;
             const __m256i elements =
@@ -51,11 +53,6 @@ constexpr std::array<uint64_t, patterns> keptLanes = [] {
     return packPlain(block, count, words, flip, out);
 }
 
-bool hasWideInstructions() {
-    static const bool answer = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt");
-    return answer;
-}
-
 #endif
 
 } // namespace
@@ -63,7 +60,7 @@ bool hasWideInstructions() {
 FourBytes* packSmall(const FourBytes* block, uint32_t count, const uint32_t* words, uint32_t flip,
                      FourBytes* out) {
 #if defined(__x86_64__)
-    if (hasWideInstructions()) return packWide(block, count, words, flip, out);
+    if (platform::hasWideInstructions()) return packWide(block, count, words, flip, out);
 #endif
     return packPlain(block, count, words, flip, out);
 }
