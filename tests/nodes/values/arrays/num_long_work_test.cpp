@@ -17,7 +17,7 @@ using sluice_tests::LogicNet;
 using tidemark::TM_String;
 
 // More than is done between two questions for an interrupt.
-constexpr uint32_t count = 300'000;
+constexpr uint32_t count = 2'000'000;
 
 void lengthen(LogicNet& net, std::initializer_list<const char*> pins) {
     for (const char* pin : pins) {
