@@ -14,8 +14,10 @@ using weft::NumericAttribute;
 
 namespace {
 
-TM_String outOfRange(int32_t index) {
-    return text::format("index is out of range: %d", static_cast<int>(index));
+// Messages take long: each of them answers an interrupt.
+void reportOutOfRange(weft::Node& node, int32_t index) {
+    node.pushError(text::format("index is out of range: %d", static_cast<int>(index)));
+    node.networkManager()->pollInterrupt();
 }
 
 } // namespace
@@ -67,7 +69,7 @@ private:
                 if (index < size) {
                     word |= (words[index / bitsPerWord] >> index % bitsPerWord & 1) << k;
                 } else {
-                    pushError(outOfRange(indices[first + k]));
+                    reportOutOfRange(*this, indices[first + k]);
                 }
             }
             out[first / bitsPerWord] = word;
@@ -131,7 +133,7 @@ private:
                 target.setBit(index, valueCount > 0 &&
                                          (values[k / bitsPerWord] >> k % bitsPerWord & 1) != 0);
             } else {
-                pushError(outOfRange(indices[i]));
+                reportOutOfRange(*this, indices[i]);
             }
             meter.add(0);
         }
@@ -180,7 +182,7 @@ private:
         int32_t largest = -1;
         for (uint32_t i = 0; i < indices.size(); ++i) {
             largest = std::max(largest, indices[i]);
-            if (indices[i] < 0) pushError(outOfRange(indices[i]));
+            if (indices[i] < 0) reportOutOfRange(*this, indices[i]);
             meter.add(0);
         }
         return static_cast<uint32_t>(largest) + 1;

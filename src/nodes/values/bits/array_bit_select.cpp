@@ -99,6 +99,7 @@ private:
                 kept[index / bitsPerWord] &= ~(uint32_t(1) << index % bitsPerWord);
             } else {
                 pushError(text::format("index is out of range: %d", static_cast<int>(indices[i])));
+                networkManager()->pollInterrupt();
             }
             meter.add(0);
         }

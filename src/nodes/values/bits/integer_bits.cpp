@@ -173,7 +173,12 @@ private:
             changed[i] = withBit(numbers[i], positions[i], values.valueAt(i));
             meter.add(0);
         }
-        target.refValues<T>() = std::move(changed);
+        Array<T>& result = target.refValues<T>();
+        if (result.isPinned()) {
+            result = changed;
+        } else {
+            result = std::move(changed);
+        }
         target.updateSize();
     }
 

@@ -154,6 +154,43 @@ TEST(BitFaults, InterruptedWorkInPlaceKeepsTheElements) {
     }
 }
 
+TEST(BitFaults, MessagesAnswerInterrupts) {
+    const std::vector<std::pair<TM_String, TM_String>> reporting = {
+        {"GetArrayBitElement", "out"},
+        {"SetArrayBitElement", "out array"},
+        {"ArrayBitRemoveIndex", "out array"},
+        {"ArrayBitBuildByIndex", "mask"},
+    };
+    for (const auto& [type, out] : reporting) {
+        BitNode n(type);
+        n.integers(type == "ArrayBitBuildByIndex" ? "index array" : "index", {-1, -2, -3});
+        n.manager().setEvaluating(true);
+        n.manager().requestInterrupt();
+        EXPECT_THROW(n.node("n").update(&n.pin("n." + out)), tidemark::TM_Exception) << type;
+        n.manager().clearInterrupt();
+        n.manager().setEvaluating(false);
+        EXPECT_EQ("[error] index is out of range: -1\n", n.messages()) << type;
+        EXPECT_EQ(0u, n.pin("n." + out).value()->size()) << type;
+    }
+}
+
+// As kernels have them, whose threads share what lies outside.
+TEST(BitFaults, OutputsThatMayNotMoveAreWrittenWhereTheyAre) {
+    for (const TM_String& type : types) {
+        BitNode n(type);
+        if (type.find("Integer") == 0) n.type("n.integer", "Integer");
+        for (Attribute* out : n.node("n").refOutputAttributes()) {
+            if (out->isPurePassThrough()) continue;
+            n.node("n").doUpdate(out);
+            const TM_String text = out->value()->asString();
+            out->value()->pin(true);
+            EXPECT_NO_THROW(n.node("n").doUpdate(out)) << type << " " << out->name();
+            EXPECT_EQ(text, out->value()->asString()) << type << " " << out->name();
+            out->value()->pin(false);
+        }
+    }
+}
+
 // Long enough that each of them asks for interrupts, whatever it counts.
 TEST(BitFaults, LongWorkAnswersInterrupts) {
     constexpr uint32_t bitCount = 70'000'000;

@@ -380,6 +380,19 @@ TEST(ConditionFilterBy, AnOutputThatIsAskedForIsComputed) {
     EXPECT_EQ("[3] 1,1", net.text("f.result"));
 }
 
+TEST(ConditionFilterBy, MaskFiltersOtherArraysAlike) {
+    ConditionNet net;
+    net.filterBy("ConditionGreaterThan");
+    net.add("Vector3", "v");
+    net.add("ArrayNumFilterByMask", "m");
+    ASSERT_TRUE(net.link("v.vector", "m.array"));
+    ASSERT_TRUE(net.link("f.mask", "m.mask"));
+    net.set("c.value", "[3] 2");
+    net.set("f.value", "[3] 3,1,5");
+    net.numbers<Vector3<float>>("v.in", {{1, 1, 1}, {2, 2, 2}, {3, 3, 3}});
+    EXPECT_EQ("[4] (1,1,1),(3,3,3)", net.text("m.result"));
+}
+
 TEST(ConditionFilterBy, ReadersHearOfTheResult) {
     ConditionNet net;
     net.filterBy("ConditionEqualTo");
