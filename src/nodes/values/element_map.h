@@ -23,6 +23,7 @@
 #include "nodes/values/components.h"
 #include "nodes/values/element_loop.h"
 #include "nodes/values/lanes.h"
+#include "nodes/values/unfinished_output.h"
 #include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
@@ -122,15 +123,9 @@ void map(const weft::Node& node, double nanoseconds, weft::Numeric& result, Writ
         }
     } else {
         const bool isInPlace = ((static_cast<const void*>(in.data()) == written) || ...);
+        const UnfinishedOutput unfinished(isInPlace ? nullptr : &result, {});
         sizeForWriting(array, count);
-        try {
-            compute(array.data());
-        } catch (...) {
-            // Nobody is to read what was not computed.
-            if (!isInPlace) array.clear();
-            result.setSize(array.size());
-            throw;
-        }
+        compute(array.data());
     }
     result.setSize(count);
 }
@@ -203,13 +198,8 @@ void mapBits(const weft::Node& node, double nanoseconds, weft::BitArrayValue& re
                 readers);
         }
     };
-    try {
-        forEachElement(node, result.words().size(), nanoseconds * bitsPerWord, compute);
-    } catch (...) {
-        // Nobody is to read what was not computed.
-        result.resize(0, false);
-        throw;
-    }
+    const UnfinishedOutput unfinished(&result, {});
+    forEachElement(node, result.words().size(), nanoseconds * bitsPerWord, compute);
 }
 
 } // namespace tidemark::sluice::graph

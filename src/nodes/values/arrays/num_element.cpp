@@ -130,19 +130,13 @@ private:
         const std::span<const int32_t> index = elementsOf<int32_t>(index_->numeric());
         const ClampedElements<T> elements(elementsOf<T>(element_->numeric()));
         const auto count = static_cast<uint32_t>(index.size());
-        const auto set = [&](uint32_t first, uint32_t end) {
+        const UnfinishedOutput unfinished(&target, {&array_->numeric()});
+        inPieces(*this, count, [&](uint32_t first, uint32_t end) {
             for (uint32_t i = first; i < end; ++i) {
                 const auto position = static_cast<uint32_t>(index[i]);
                 if (position < size) array[position] = elements[i];
             }
-        };
-        try {
-            inPieces(*this, count, set);
-        } catch (...) {
-            // In place the array is another node's.
-            if (!outArray_->isPassThrough()) showNothing<T>(target);
-            throw;
-        }
+        });
     }
 
     NumericAttribute* array_;

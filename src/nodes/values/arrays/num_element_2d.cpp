@@ -84,14 +84,10 @@ private:
         if (!grid) return;
         const uint32_t count = resultCount(
             {elementsOf<int32_t>(x_->numeric()).size(), elementsOf<int32_t>(y_->numeric()).size()});
-        try {
-            T* const found = begin<T>(*element_, asked, count);
-            look(elements, *grid, found, begin<int32_t>(*index_, asked, count), count);
-        } catch (...) {
-            drop<T>(*element_, asked);
-            drop<int32_t>(*index_, asked);
-            throw;
-        }
+        const UnfinishedOutput element(wanted(*element_, asked), {});
+        const UnfinishedOutput index(wanted(*index_, asked), {});
+        T* const found = begin<T>(*element_, asked, count);
+        look(elements, *grid, found, begin<int32_t>(*index_, asked, count), count);
         finish(*element_, asked, count);
         finish(*index_, asked, count);
     }
@@ -125,24 +121,23 @@ private:
         networkManager()->pollInterrupt();
     }
 
+    // Where the output is written, or null when it is not wanted.
+    static Numeric* wanted(const NumericAttribute& output, const Attribute* asked) {
+        return isNeeded(output, asked) ? output.numericTarget() : nullptr;
+    }
+
     // Room for `count` elements, or null when the output is not wanted.
     template <typename T>
     T* begin(const NumericAttribute& output, const Attribute* asked, uint32_t count) {
-        Numeric* target = output.numericTarget();
-        if (!target || !isNeeded(output, asked)) return nullptr;
+        Numeric* const target = wanted(output, asked);
+        if (!target) return nullptr;
         element_map::sizeForWriting(target->refValues<T>(), count);
         return target->refValues<T>().data();
     }
 
-    template <typename T>
-    void drop(const NumericAttribute& output, const Attribute* asked) {
-        Numeric* target = output.numericTarget();
-        if (target && isNeeded(output, asked)) showNothing<T>(*target);
-    }
-
     void finish(NumericAttribute& output, const Attribute* asked, uint32_t count) {
-        Numeric* target = output.numericTarget();
-        if (!target || !isNeeded(output, asked)) return;
+        Numeric* const target = wanted(output, asked);
+        if (!target) return;
         target->setSize(count);
         output.valueChanged();
         setAttributeIsClean(&output, true);

@@ -32,13 +32,6 @@ inline void takeOneElement(std::initializer_list<weft::Attribute*> pins) {
     for (weft::Attribute* pin : pins) pin->setElementCountRule(1);
 }
 
-/// For what was not computed to its end, so that nobody reads it.
-template <typename T>
-void showNothing(weft::Numeric& target) {
-    target.refValues<T>().clear();
-    target.setSize(0);
-}
-
 /// Makes the array of `T` in `target` `count` elements long and sets each, in index order, to what
 /// `elementAt(index)` answers; then the size of `target`. What `elementAt` changes it refers to:
 /// the loop works with copies of it. Throws `std::bad_alloc` for what memory or the limits do not
@@ -59,12 +52,8 @@ void generateElements(const weft::Node& node, weft::Numeric& target, uint32_t co
         }
         for (; i < end; ++i) out[i] = next(i);
     };
-    try {
-        inPieces(node, count, fill);
-    } catch (...) {
-        showNothing<T>(target);
-        throw;
-    }
+    const UnfinishedOutput unfinished(&target, {});
+    inPieces(node, count, fill);
     target.setSize(count);
 }
 

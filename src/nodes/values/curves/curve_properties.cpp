@@ -94,10 +94,10 @@ private:
     void writeTruths(BitArrayAttribute& out, const Attribute* asked, Read read) {
         weft::BitArrayValue* target = out.bitsTarget();
         if (!target || !isWritten(out, asked)) return;
-        writeBits(*target, curve_->pointers().size(), [&] {
-            forEachCurve(
-                [&](uint32_t i, const ANIFloatBase& curve) { target->setBit(i, read(curve)); });
-        });
+        const UnfinishedOutput unfinished(target, {});
+        target->resize(curve_->pointers().size(), false);
+        forEachCurve(
+            [&](uint32_t i, const ANIFloatBase& curve) { target->setBit(i, read(curve)); });
         written(out);
     }
 

@@ -5,6 +5,7 @@
 #include "core/bit_array.h"
 #include "core/node.h"
 #include "nodes/values/curves/curve_attributes.h"
+#include "nodes/values/unfinished_output.h"
 #include "nodes/values/value_tools.h"
 
 namespace tidemark::sluice::graph {
@@ -17,19 +18,6 @@ bool hasRealSource(const weft::Attribute& pin);
 /// for.
 inline bool isWritten(const weft::Attribute& output, const weft::Attribute* asked) {
     return &output == asked || !output.destinations().empty();
-}
-
-/// Gives `bits` `count` elements and lets `write` set them. What `write` leaves by an exception
-/// holds none.
-template <typename Write>
-void writeBits(weft::BitArrayValue& bits, uint32_t count, Write write) {
-    bits.resize(count, false);
-    try {
-        write();
-    } catch (...) {
-        bits.resize(0, false);
-        throw;
-    }
 }
 
 /// Reports "Input is null at position %d" on the node.

@@ -118,11 +118,10 @@ private:
     void writeUnify(const Attribute* asked) {
         weft::BitArrayValue* target = unify_->bitsTarget();
         if (!target || !isWritten(*unify_, asked)) return;
-        writeBits(*target, key_->pointers().size(), [&] {
-            forEachKey([&](uint32_t i, const PointInfo& key) {
-                target->setBit(i, key.unifiesTangents());
-            });
-        });
+        const UnfinishedOutput unfinished(target, {});
+        target->resize(key_->pointers().size(), false);
+        forEachKey(
+            [&](uint32_t i, const PointInfo& key) { target->setBit(i, key.unifiesTangents()); });
         written(*unify_);
     }
 
