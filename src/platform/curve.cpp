@@ -163,7 +163,7 @@ void SplineBase::compile() const {
     isCompiled_.store(true, std::memory_order_release);
 }
 
-double SplineBase::valueAt(double time, int32_t before, int32_t after) const {
+double SplineBase::valueAt(float time, int32_t before, int32_t after) const {
     return segments().valueAt(time, before, after);
 }
 

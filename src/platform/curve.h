@@ -58,7 +58,7 @@ public:
     const Array<PointInfo*>& points() const { return points_; }
 
     /// The value of the keys at `time` in seconds; 0 without keys. See `ANIFloatBase`.
-    double valueAt(double time, int32_t before, int32_t after) const;
+    double valueAt(float time, int32_t before, int32_t after) const;
     /// `valueAt` for each of `count` times.
     void evaluate(const float* times, float* results, uint32_t count, int32_t before,
                   int32_t after) const;
@@ -96,11 +96,13 @@ private:
 ///   right's `easeFrom` share it slows down evenly (shares that add up to more than 1 are scaled
 ///   down to that; below 0 and not-a-number counts as 0).
 ///
-/// At the time of several keys the last of them holds, as where a curve jumps. Keys whose time is
-/// not a number or beyond the range of float are passed over. One key is a constant.
+/// A key counts at the float nearest to its time, as do the times that are asked for. At the time
+/// of several keys the last of them holds, as where a curve jumps. Keys whose time is not a number
+/// or beyond the range of float are passed over. One key is a constant.
 ///
-/// After the last key the keys repeat as the behaviour tells; where they span no time, and at
-/// infinity, the last value holds on. A time that is not a number gives no number, without keys 0.
+/// After the last key the keys repeat as the behaviour tells, the first round with its end, the
+/// others with the start of the next one in its place; where they span no time, and at infinity,
+/// the last value holds on. A time that is not a number gives no number, without keys 0.
 class SLUICE_API ANIFloatBase {
 public:
     /// No keys, no expression, constant before and after.
@@ -124,8 +126,9 @@ public:
 
     /// Empty when there is none.
     const TM_String& getExpression() const { return expression_; }
-    /// Takes an expression over `t`, seconds, and `frame`, `t` times the frame rate, in the syntax
-    /// of muParser with its functions, and floor, ceil, round, trunc, pow, fmod, clamp(value, min,
+    /// Takes an expression over `t`, seconds, and `frame`, `t` times the frame rate, which is a
+    /// whole number where the precision of `t` leaves that open, in the syntax of muParser with its
+    /// functions, and floor, ceil, round, trunc, pow, fmod, clamp(value, min,
     /// max), the constant pi and the operator %. An empty text removes the expression. False, with
     /// a reason in `expressionMessage`, when it is not understood; the curve stays as it was.
     bool setExpression(const TM_String& text);

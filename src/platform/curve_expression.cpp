@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tidemark {
 
@@ -24,6 +25,14 @@ double remainderOf(double a, double b) { return std::fmod(a, b); }
 double clamped(double a, double low, double high) { return std::min(std::max(a, low), high); }
 
 constexpr double pi = 3.14159265358979323846;
+
+// The time of a frame is mostly no float: frame 21 of 30 in a second is asked for as 0.69999999.
+double frameAt(double time, double frameRate) {
+    constexpr double precision = std::numeric_limits<float>::epsilon();
+    const double frame = time * frameRate;
+    const double whole = std::round(frame);
+    return std::fabs(frame - whole) <= std::fabs(frame) * precision ? whole : frame;
+}
 
 } // namespace
 
@@ -47,7 +56,7 @@ public:
 
     double valueAt(double time, double frameRate) {
         time_ = time;
-        frame_ = time * frameRate;
+        frame_ = frameAt(time, frameRate);
         return parser_.Eval();
     }
     int resultCount() const { return parser_.GetNumResults(); }

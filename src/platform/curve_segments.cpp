@@ -31,6 +31,10 @@ Keys usableInOrder(const Array<PointInfo*>& all) {
     return keys;
 }
 
+// Times that are asked for are floats, so a key counts at the float nearest to its time: asked for
+// 0.7, a step at 0.7 has been taken.
+double shownTime(double time) { return static_cast<float>(time); }
+
 // Whether there is a way in time from key `i` to the next; also false behind the last one.
 bool isSpan(const Keys& keys, std::size_t i) {
     return i + 1 < keys.size() && std::isfinite(1.0 / (keys[i + 1]->x() - keys[i]->x()));
@@ -97,17 +101,19 @@ CurveSegments::CurveSegments(const Array<PointInfo*>& all) {
     isEmpty_ = false;
     first_ = keys.front()->x();
     last_ = keys.back()->x();
+    from_ = shownTime(first_);
+    to_ = shownTime(last_);
     valueBefore_ = keys.front()->y();
     lastValue_ = keys.back()->y();
     for (std::size_t i = 0; i < keys.size(); ++i) {
         if (isSpan(keys, i)) add(keys, i);
     }
     if (segments_.empty()) {
-        last_ = first_;
+        to_ = from_;
         return;
     }
     firstValue_ = segments_.front().c[0];
-    lastInside_ = std::nextafter(last_, first_);
+    lastInside_ = std::nextafter(to_, from_);
     makeTable();
 }
 
@@ -134,13 +140,13 @@ void CurveSegments::add(const Keys& keys, std::size_t i) {
         segment.c[1] = step.rise;
     }
     segments_.push_back(segment);
-    starts_.push_back(segment.start);
+    starts_.push_back(shownTime(segment.start));
 }
 
 void CurveSegments::makeTable() {
     constexpr std::size_t mostBuckets = std::size_t(1) << 20;
     std::size_t count = std::min(segments_.size() * 4, mostBuckets);
-    bucketScale_ = static_cast<double>(count) / (last_ - first_);
+    bucketScale_ = static_cast<double>(count) / (to_ - from_);
     if (!std::isfinite(bucketScale_)) {
         bucketScale_ = 0.0;
         count = 1;
@@ -154,7 +160,7 @@ void CurveSegments::makeTable() {
 }
 
 uint32_t CurveSegments::bucketOf(double time) const {
-    const auto bucket = static_cast<uint32_t>((time - first_) * bucketScale_);
+    const auto bucket = static_cast<uint32_t>((time - from_) * bucketScale_);
     return std::min(bucket, static_cast<uint32_t>(buckets_.size()) - 2);
 }
 
@@ -176,38 +182,43 @@ uint32_t CurveSegments::segmentOf(double time) const {
     return starts[high] <= time ? high : low;
 }
 
-double CurveSegments::inside(double time) const {
-    const Segment& segment = segments_[segmentOf(time)];
-    double u = std::min((time - segment.start) * segment.scale, 1.0);
+double CurveSegments::valueIn(uint32_t index, double time) const {
+    const Segment& segment = segments_[index];
+    double u = std::clamp((time - segment.start) * segment.scale, 0.0, 1.0);
     if (segment.easeTo + segment.easeFrom > 0.0) u = eased(u, segment.easeTo, segment.easeFrom);
     const double* c = segment.c;
     return ((c[3] * u + c[2]) * u + c[1]) * u + c[0];
 }
 
-double CurveSegments::outside(double time, int32_t before, int32_t after) const {
+double CurveSegments::outside(float time, int32_t before, int32_t after) const {
     if (isEmpty_) return 0.0;
     if (std::isnan(time)) return time;
-    if (time < first_) return before == curveZero ? 0.0 : valueBefore_;
-    if (time == last_) return lastValue_;
+    if (time < from_) return before == curveZero ? 0.0 : valueBefore_;
+    if (time == to_) return lastValue_;
     if (after == curveZero) return 0.0;
     const bool repeats = after == curveLoop || after == curveLoopOffset;
     if (!repeats || segments_.empty() || std::isinf(time)) return lastValue_;
     return repeated(time, after == curveLoopOffset);
 }
 
-double CurveSegments::repeated(double time, bool rises) const {
+double CurveSegments::repeated(float time, bool rises) const {
     const double period = last_ - first_;
     const double past = time - first_;
     constexpr double mostExact = 4503599627370496.0; // above it every double is a whole number
     const double quotient = past / period;
-    const double rounds =
+    double rounds =
         quotient < mostExact ? static_cast<double>(static_cast<int64_t>(quotient)) : quotient;
     double rest = past - rounds * period;
     // Where the quotient was rounded, and of very many rounds.
     if (!(rest >= 0.0 && rest < period)) rest = std::fmod(past, period);
-    // The sum may round up to the end of the keys, which is the start of the next round.
-    const double shown = std::min(first_ + rest, lastInside_);
-    const double value = inside(shown);
+    // What a float can not tell from the time of a key, or from the next round, is taken for it.
+    const double slack = std::fabs(time) * (std::numeric_limits<float>::epsilon() / 2);
+    if (rest + slack >= period) {
+        rest = 0.0;
+        rounds += 1.0;
+    }
+    const double shown = std::clamp(first_ + rest, from_, lastInside_);
+    const double value = valueIn(segmentOf(std::min(shown + slack, lastInside_)), shown);
     return rises ? value + rounds * (lastValue_ - firstValue_) : value;
 }
 

@@ -17,9 +17,9 @@ public:
     explicit CurveSegments(const Array<PointInfo*>& keys);
 
     /// See `ANIFloatBase`.
-    double valueAt(double time, int32_t before, int32_t after) const {
-        if (time >= first_ && time < last_) [[likely]]
-            return inside(time);
+    double valueAt(float time, int32_t before, int32_t after) const {
+        if (time >= from_ && time < to_) [[likely]]
+            return valueIn(segmentOf(time), time);
         return outside(time, before, after);
     }
 
@@ -36,22 +36,24 @@ private:
     void makeTable();
     uint32_t bucketOf(double time) const;
     uint32_t segmentOf(double time) const;
-    double inside(double time) const;
-    double outside(double time, int32_t before, int32_t after) const;
-    double repeated(double time, bool rises) const;
+    double valueIn(uint32_t segment, double time) const;
+    double outside(float time, int32_t before, int32_t after) const;
+    double repeated(float time, bool rises) const;
 
     bool isEmpty_ = true;
     double first_ = 0.0; // times
     double last_ = 0.0;
-    double lastInside_ = 0.0;  // the latest time before it
+    double from_ = 0.0; // the same, as the nearest float
+    double to_ = 0.0;
+    double lastInside_ = 0.0;  // the latest time before `to_`
     double valueBefore_ = 0.0; // of the first key
     double firstValue_ = 0.0;  // of the last key at the first time
     double lastValue_ = 0.0;
     double bucketScale_ = 0.0;
-    std::vector<double> starts_; // of the segments, rising
+    std::vector<double> starts_; // of the segments, as the nearest float, rising
     std::vector<Segment> segments_;
-    // For each of the even slices of the time from first to last the segment in which it begins at
-    // the earliest, and one entry more.
+    // For each of the even slices of the time from `from_` to `to_` the segment in which it begins
+    // at the earliest, and one entry more.
     std::vector<uint32_t> buckets_;
 };
 

@@ -441,7 +441,30 @@ TEST_F(CurveTest, VeryNearKeysDoNoHarm) {
     curve_.refSpline().removeAllControlPoints();
     add({key(0, 1), key(3e-308, 2)});
     EXPECT_TRUE(std::isfinite((*this)(1e30f)));
-    EXPECT_EQ(1.0f, (*this)(0));
+    EXPECT_EQ(2.0f, (*this)(0)); // one time, seen as floats
+}
+
+// 0.7 is no float; the nearest one is below it, that of 0.1 above.
+TEST_F(CurveTest, KeysCountAtTheFloatNearestToTheirTime) {
+    add({key(0.1, 3, tm_spline::step), key(0.4, 5, tm_spline::step), key(0.7, 9, tm_spline::step)});
+    curve_.setPreBehaviour(curveZero);
+    curve_.setPostBehaviour(curveZero);
+    EXPECT_EQ(3.0f, (*this)(0.1f));
+    EXPECT_EQ(5.0f, (*this)(0.4f));
+    EXPECT_EQ(9.0f, (*this)(0.7f));
+    EXPECT_EQ(0.0f, (*this)(std::nextafterf(0.1f, 0.0f)));
+    EXPECT_EQ(3.0f, (*this)(std::nextafterf(0.4f, 0.0f)));
+    EXPECT_EQ(5.0f, (*this)(std::nextafterf(0.7f, 0.0f)));
+    EXPECT_EQ(0.0f, (*this)(std::nextafterf(0.7f, 1.0f)));
+    curve_.refSpline().removeAllControlPoints();
+    add({key(0.7, 9), key(0.7 + 1e-9, 2), key(1.3, 4)});
+    curve_.setPostBehaviour(curveLoop);
+    EXPECT_EQ(2.0f, (*this)(0.7f));
+    EXPECT_EQ(4.0f, (*this)(1.3f));
+    for (float time = 0.7f; time < 100; time += 0.1f) {
+        ASSERT_GE((*this)(time), 2.0f) << time;
+        ASSERT_LE((*this)(time), 9.0f) << time;
+    }
 }
 
 TEST_F(CurveTest, ValuesThatAreNoNumbersStayInTheirSpan) {
@@ -495,6 +518,27 @@ TEST_F(CurveTest, RoundsRiseFromTheLastKeyOfTheFirstTime) {
     EXPECT_EQ(12.0f, (*this)(1));
     EXPECT_EQ(17.0f, (*this)(1.5f));
     EXPECT_EQ(29.0f, (*this)(2.5f));
+}
+
+TEST_F(CurveTest, EveryRoundTakesTheKeysAtTheirTimes) {
+    add({key(0, 1, tm_spline::step), key(0.3, 2, tm_spline::step), key(0.7, 3, tm_spline::step),
+         key(1, 4)});
+    curve_.setPostBehaviour(curveLoop);
+    for (int round = 1; round < 5000; ++round) {
+        ASSERT_EQ(round == 1 ? 4.0f : 1.0f, (*this)(static_cast<float>(round))) << round;
+        ASSERT_EQ(2.0f, (*this)(static_cast<float>(round + 0.3))) << round;
+        ASSERT_EQ(3.0f, (*this)(static_cast<float>(round + 0.7))) << round;
+        ASSERT_EQ(2.0f, (*this)(static_cast<float>(round + 0.699))) << round;
+    }
+    curve_.refSpline().removeAllControlPoints();
+    add({key(0.1, 0), key(0.4, 3)});
+    EXPECT_EQ(3.0f, (*this)(0.4f));
+    for (int round = 1; round < 5000; ++round) {
+        ASSERT_NEAR(0.0, (*this)(static_cast<float>(0.1 + 0.3 * (round + 1))), 1e-3) << round;
+    }
+    curve_.setPostBehaviour(curveLoopOffset);
+    EXPECT_EQ(6.0f, (*this)(0.7f));
+    EXPECT_NEAR(9.0, (*this)(1.0f), 1e-5);
 }
 
 TEST_F(CurveTest, LoopsOfUnevenPeriodsStayWithinTheKeys) {
@@ -646,6 +690,23 @@ TEST_F(CurveTest, FrameIsTimeTimesTheRate) {
     }
 }
 
+TEST_F(CurveTest, FramesAreWholeNumbersAtTheirTimes) {
+    ASSERT_TRUE(curve_.setExpression("frame == floor(frame) ? frame : -1"));
+    for (const double rate : {30.0, 24.0, 29.97}) {
+        curve_.setFrameRate(rate);
+        for (int frame = -3000; frame <= 100000; ++frame) {
+            ASSERT_EQ(static_cast<float>(frame), (*this)(static_cast<float>(frame / rate))) << rate;
+        }
+    }
+    curve_.setFrameRate(30);
+    EXPECT_EQ(-1.0f, (*this)(0.25f));
+    EXPECT_EQ(-1.0f, (*this)(100.001f));
+    ASSERT_TRUE(curve_.setExpression("frame"));
+    EXPECT_EQ(7.5f, (*this)(0.25f));
+    EXPECT_EQ(infinity, (*this)(infinity));
+    EXPECT_TRUE(std::isnan((*this)(notANumber)));
+}
+
 TEST_F(CurveTest, UsualFunctionsAreThere) {
     const std::vector<std::pair<const char*, double>> cases = {
         {"sin(pi/2)", 1},         {"cos(_pi)", -1},
@@ -743,13 +804,15 @@ protected:
     // By the definition, with a search from the beginning.
     float slowly(float time) const {
         const auto& keys = curve_.spline().points();
-        if (time < keys[0]->x()) return static_cast<float>(keys[0]->y());
+        const auto shown = [&](uint32_t i) { return static_cast<float>(keys[i]->x()); };
+        if (time < shown(0)) return static_cast<float>(keys[0]->y());
         uint32_t i = 0;
-        while (i + 1 < keys.size() && keys[i + 1]->x() <= time) ++i;
+        while (i + 1 < keys.size() && shown(i + 1) <= time) ++i;
         if (i + 1 == keys.size() || keys[i]->type() == tm_spline::step) {
             return static_cast<float>(keys[i]->y());
         }
-        const double u = (time - keys[i]->x()) / (keys[i + 1]->x() - keys[i]->x());
+        const double past = std::max(0.0, time - keys[i]->x());
+        const double u = past / (keys[i + 1]->x() - keys[i]->x());
         return static_cast<float>(keys[i]->y() + u * (keys[i + 1]->y() - keys[i]->y()));
     }
 
