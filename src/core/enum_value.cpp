@@ -126,7 +126,8 @@ int32_t EnumAttribute::enumValue(uint32_t index) const {
         return number->valueAt<int32_t>(index);
     }
     if (const StringValue* strings = valueAs<StringValue>(currentValue())) {
-        return ownEnum().keyOf(strings->valueAt(index));
+        const Enum* own = valueAs<Enum>(value());
+        return own ? own->keyOf(strings->valueAt(index)) : Enum::noKey;
     }
     return Enum::noKey;
 }

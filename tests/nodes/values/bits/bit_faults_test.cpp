@@ -80,6 +80,21 @@ TEST(BitFaults, ValuesOfAnotherClassReadAsDefaults) {
     }
 }
 
+TEST(BitFaults, MissingValuesReadAsDefaults) {
+    for (const TM_String& type : types) {
+        for (const bool isTargetMissing : {false, true}) {
+            BitNode n(type);
+            Node& node = n.node("n");
+            if (type.find("Integer") == 0) n.type("n.integer", "Integer");
+            for (Attribute* in : node.refInputAttributes()) in->setValue(nullptr);
+            for (Attribute* out : node.refOutputAttributes()) {
+                if (isTargetMissing && !out->isPurePassThrough()) out->setValue(nullptr);
+            }
+            EXPECT_NO_THROW(updateAll(node)) << type;
+        }
+    }
+}
+
 TEST(BitFaults, TargetsOfAnotherClassStayAsTheyAre) {
     for (const TM_String& type : types) {
         BitNode n(type);
