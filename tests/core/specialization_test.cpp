@@ -11,81 +11,11 @@
 #include <thread>
 #include <vector>
 
+#include "support/type_numbers.h"
+
 using namespace weft;
 
 namespace {
-
-const std::vector<std::pair<int, const char*>> table = {
-    {1, "Integer"},
-    {2, "Integer64"},
-    {3, "Real"},
-    {4, "Double"},
-    {5, "Bit"},
-    {6, "Edit"},
-    {7, "Static"},
-    {8, "Browse"},
-    {9, "Color4"},
-    {10, "List"},
-    {11, "Button"},
-    {12, "CButton"},
-    {13, "Vector3"},
-    {14, "Matrix4"},
-    {15, "Quaternion"},
-    {16, "ObjectSelector"},
-    {17, "Mesh"},
-    {18, "DistanceField"},
-    {19, "FilePath"},
-    {20, "Folder"},
-    {21, "String"},
-    {22, "Image"},
-    {23, "Polymorphic"},
-    {24, "Directory"},
-    {25, "Particles"},
-    {26, "GraphParticle"},
-    {27, "Box"},
-    {28, "Daemon"},
-    {29, "Object"},
-    {30, "StandardEmitter"},
-    {31, "ParticleLegacyMesh"},
-    {32, "ParticleMesh"},
-    {33, "BillowMesh"},
-    {34, "Camera"},
-    {35, "BillowDomain"},
-    {36, "BillowEmitter"},
-    {37, "BillowMist"},
-    {38, "MultiBody"},
-    {39, "MultiJoint"},
-    {40, "MultiServo"},
-    {41, "MultiServoPosLinear"},
-    {42, "MultiServoPosAngular"},
-    {43, "MultiServoVelLinear"},
-    {44, "MultiServoVelAngular"},
-    {45, "ISLE"},
-    {46, "BillowSplash"},
-    {47, "BillowFoam"},
-    {48, "BillowWet"},
-    {49, "BillowWaterLine"},
-    {50, "BillowSplashAndFoam"},
-    {51, "BillowWetAndFoam"},
-    {52, "SluiceGroup"},
-    {53, "SluiceNode"},
-    {54, "ObjectMesh"},
-    {55, "SwellMesh"},
-    {56, "Vertices"},
-    {57, "Faces"},
-    {58, "GridFluidDomainParticles"},
-    {59, "GridFluidDomainParticle"},
-    {60, "StandardParticles"},
-    {61, "StandardParticle"},
-    {62, "Condition"},
-    {63, "Vector3Field"},
-    {64, "ParameterType"},
-    {65, "Curve"},
-    {66, "Key"},
-    {67, "MeshVoxelization"},
-    {68, "Evaluate"},
-    {69, "RealField"},
-};
 
 using Names = std::vector<std::string>;
 
@@ -106,8 +36,8 @@ bool has(const Names& names, const std::string& name) {
 } // namespace
 
 TEST(TypeTable, NamesAndNumbersAgreeInBothDirections) {
-    ASSERT_EQ(table.size(), 69u);
-    for (const auto& [number, name] : table) {
+    ASSERT_EQ(std::size(support::typeNumbers), 69u);
+    for (const auto& [number, name] : support::typeNumbers) {
         EXPECT_EQ(typeName(number), name);
         EXPECT_EQ(typeNumber(name), number);
     }

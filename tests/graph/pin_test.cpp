@@ -9,6 +9,7 @@
 #include "core/evaluate_attribute.h"
 #include "core/string_value.h"
 #include "support/scene_builder.h"
+#include "support/type_numbers.h"
 
 using namespace tidemark;
 using namespace tidemark::sluice::graph;
@@ -25,83 +26,6 @@ using weft::PassThroughAttribute;
 using weft::StringAttribute;
 
 namespace {
-
-struct TypeRow {
-    int number;
-    const char* name;
-};
-
-constexpr TypeRow types[] = {
-    {1, "Integer"},
-    {2, "Integer64"},
-    {3, "Real"},
-    {4, "Double"},
-    {5, "Bit"},
-    {6, "Edit"},
-    {7, "Static"},
-    {8, "Browse"},
-    {9, "Color4"},
-    {10, "List"},
-    {11, "Button"},
-    {12, "CButton"},
-    {13, "Vector3"},
-    {14, "Matrix4"},
-    {15, "Quaternion"},
-    {16, "ObjectSelector"},
-    {17, "Mesh"},
-    {18, "DistanceField"},
-    {19, "FilePath"},
-    {20, "Folder"},
-    {21, "String"},
-    {22, "Image"},
-    {23, "Polymorphic"},
-    {24, "Directory"},
-    {25, "Particles"},
-    {26, "GraphParticle"},
-    {27, "Box"},
-    {28, "Daemon"},
-    {29, "Object"},
-    {30, "StandardEmitter"},
-    {31, "ParticleLegacyMesh"},
-    {32, "ParticleMesh"},
-    {33, "BillowMesh"},
-    {34, "Camera"},
-    {35, "BillowDomain"},
-    {36, "BillowEmitter"},
-    {37, "BillowMist"},
-    {38, "MultiBody"},
-    {39, "MultiJoint"},
-    {40, "MultiServo"},
-    {41, "MultiServoPosLinear"},
-    {42, "MultiServoPosAngular"},
-    {43, "MultiServoVelLinear"},
-    {44, "MultiServoVelAngular"},
-    {45, "ISLE"},
-    {46, "BillowSplash"},
-    {47, "BillowFoam"},
-    {48, "BillowWet"},
-    {49, "BillowWaterLine"},
-    {50, "BillowSplashAndFoam"},
-    {51, "BillowWetAndFoam"},
-    {52, "SluiceGroup"},
-    {53, "SluiceNode"},
-    {54, "ObjectMesh"},
-    {55, "SwellMesh"},
-    {56, "Vertices"},
-    {57, "Faces"},
-    {58, "GridFluidDomainParticles"},
-    {59, "GridFluidDomainParticle"},
-    {60, "StandardParticles"},
-    {61, "StandardParticle"},
-    {62, "Condition"},
-    {63, "Vector3Field"},
-    {64, "ParameterType"},
-    {65, "Curve"},
-    {66, "Key"},
-    {67, "MeshVoxelization"},
-    {68, "Evaluate"},
-    {69, "RealField"},
-};
 
 // An attribute that says its class is one that no pin may be edited for.
 class AnyAttribute : public weft::Attribute {
@@ -142,7 +66,7 @@ private:
 // --- types -------------------------------------------------------------------------------------
 
 TEST_F(PinTest, TypeNumberFollowsTheName) {
-    for (const TypeRow& row : types) {
+    for (const support::TypeNumber& row : support::typeNumbers) {
         const Pin* pin = typed({row.name});
         EXPECT_EQ(pin->getType(), row.number) << row.name;
         EXPECT_TRUE(pin->hasType(row.number)) << row.name;
@@ -209,7 +133,7 @@ TEST_F(PinTest, SaveFlagIsThatOfAFilePath) {
 }
 
 TEST_F(PinTest, ComplexIsWhatNoControlShows) {
-    for (const TypeRow& row : types) {
+    for (const support::TypeNumber& row : support::typeNumbers) {
         bool isSimple = row.number >= 28 && row.number <= 53;
         for (const int simple : {1, 2, 3, 5, 9, 10, 13, 19, 20, 21}) {
             isSimple = isSimple || row.number == simple;
