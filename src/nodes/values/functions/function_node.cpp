@@ -38,7 +38,10 @@ void NumericFunctionNode::setResultType(const char* type) {
 void NumericFunctionNode::update(Attribute*) {
     Inputs in{};
     for (std::size_t i = 0; i < mostInputs && inputs_[i]; ++i) inputs_[i]->pull();
-    for (std::size_t i = 0; i < mostInputs && inputs_[i]; ++i) in[i] = &inputs_[i]->numeric();
+    for (std::size_t i = 0; i < mostInputs && inputs_[i]; ++i) {
+        in[i] = &inputs_[i]->numeric();
+        if (in[i]->type() != in[0]->type()) return;
+    }
     Numeric* target = result_->numericTarget();
     const Routine routine = routineFor(in[0]->type());
     if (!target || !routine) return;

@@ -65,9 +65,11 @@ public:
         function_->pull();
         in_->pull();
         const int32_t key = function_->enumValue(0);
+        const Numeric& in = in_->numeric();
         Numeric* target = result_->numericTarget();
-        if (!target || key < 0 || static_cast<std::size_t>(key) >= std::size(routines)) return;
-        routines[key](*this, in_->numeric(), *target);
+        if (!target || in.type() != weft::NumericType::real) return;
+        if (key < 0 || static_cast<std::size_t>(key) >= std::size(routines)) return;
+        routines[key](*this, in, *target);
         result_->valueChanged();
     }
 

@@ -362,6 +362,52 @@ TEST_P(ArrayExamples, InPlaceWhereElementsMayNotMove) {
     }
 }
 
+// An update that refuses its input marks nothing clean, any other all that it wrote.
+TEST_P(ArrayExamples, RefusedOutputsStayDirty) {
+    forEachExample([&](const Example& example) {
+        const bool isRefused = example.message.rfind("Input ", 0) == 0;
+        Operation operation(example.operation, GetParam());
+        const TM_String type = operation.node().className();
+        // These two are of another family.
+        if (type == "ArrayBitResize" || type == "ArrayBitReverse") return;
+        operation.give(example.inputs);
+        operation.node().doUpdate(&operation.pin(example.outputs[0].first));
+        for (const auto& [name, text] : example.outputs) {
+            EXPECT_EQ(operation.pin(name).isClean(), !isRefused) << name;
+        }
+    });
+}
+
+// Masks, indices and maps cost something, so only who wants them gets them. What works in place
+// cannot be done again.
+TEST_P(ArrayExamples, UnwantedOutputsAreComputedInPlaceOnly) {
+    int left = 0;
+    const auto leaveOut = [&](Operation& operation, const Example& example, bool computed) {
+        for (std::size_t i = 1; i < example.outputs.size(); ++i) {
+            operation.pin(example.outputs[i].first).setToBeEvaluated(false);
+        }
+        operation.compute(example.outputs[0].first);
+        for (std::size_t i = 1; i < example.outputs.size(); ++i) {
+            const auto& [name, text] = example.outputs[i];
+            EXPECT_EQ(operation.pin(name).isClean(), computed) << name;
+            EXPECT_EQ(operation.shown(name), computed ? text : "0") << name;
+            ++left;
+            if (computed) continue;
+            operation.compute(name);
+            EXPECT_EQ(operation.shown(name), text) << name;
+        }
+    };
+    forEachExample([&](const Example& example) {
+        Operation operation(example.operation, GetParam());
+        operation.give(example.inputs);
+        leaveOut(operation, example, false);
+    });
+    forEachInPlace([&](Operation& operation, const Example& example, const char*, const char*) {
+        leaveOut(operation, example, true);
+    });
+    EXPECT_EQ(left > 0, GetParam().word != TM_String("Bit"));
+}
+
 // Several inputs from one source, S: a, b, c.
 struct SameArrays {
     const char* operation;

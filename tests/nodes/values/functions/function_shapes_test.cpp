@@ -256,6 +256,34 @@ TEST_P(Formulas, OutputMayBeAnInput) {
     }
 }
 
+// A type that the formula does not have, on each input: what was shown stays, without a word.
+TEST_P(Formulas, OtherTypesComputeNothing) {
+    const std::size_t inputs = FormulaNode(GetParam()).numbers().size();
+    for (std::size_t other = 0; other < inputs; ++other) {
+        for (const char* pin : {"q.quaternion", "s.out"}) {
+            FormulaNode n(GetParam());
+            LogicNet& net = n.net();
+            for (std::size_t i = 0; i < inputs; ++i) n.giveSamples(i, 3);
+            const Elements before = n.result();
+            net.add("QuaternionFromComponents", "q");
+            net.add("String", "s");
+            // Past all tests of types, as a file or a host could not.
+            net.pin(pin).connectTo(n.numbers()[other], nullptr);
+            net.pin("n.result").markDirty(true);
+            expectSame(n.result(), before);
+            EXPECT_EQ(net.messages("n"), "");
+        }
+    }
+}
+
+TEST_P(Formulas, UpdatesLeaveTheOutputToItsReaderToClean) {
+    FormulaNode n(GetParam());
+    n.node().doUpdate(&n.net().pin("n.result"));
+    EXPECT_FALSE(n.net().pin("n.result").isClean());
+    n.net().refresh("n.result");
+    EXPECT_TRUE(n.net().pin("n.result").isClean());
+}
+
 // The elements stay where they are, or nothing changes.
 TEST_P(Formulas, OutputThatMayNotMoveIsRefusedOrStays) {
     const std::size_t inputs = FormulaNode(GetParam()).numbers().size();
