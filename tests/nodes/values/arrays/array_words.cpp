@@ -2,6 +2,8 @@
 // Letters as elements of every type.
 #include "nodes/values/arrays/array_words.h"
 
+#include <ostream>
+
 #include "core/bit_array.h"
 #include "core/numeric.h"
 #include "core/pointer_value.h"
@@ -83,6 +85,10 @@ void visitElements(Value& value, Visit visit) {
 }
 
 } // namespace
+
+void PrintTo(const ArrayWord& word, std::ostream* out) {
+    *out << word.word << " " << word.specialization;
+}
 
 const std::vector<ArrayWord>& arrayWords() {
     static const std::vector<ArrayWord> words = {

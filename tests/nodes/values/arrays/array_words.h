@@ -8,6 +8,7 @@
 // component only where elements have several.
 #pragma once
 
+#include <iosfwd>
 #include <vector>
 
 #include "core/attribute.h"
@@ -21,6 +22,7 @@ struct ArrayWord {
     const char* word;
     const char* specialization;
 };
+void PrintTo(const ArrayWord& word, std::ostream* out);
 
 /// Every element type that has array operations; `Tag` and `Anchor` are of these tests.
 const std::vector<ArrayWord>& arrayWords();

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <limits>
+#include <ostream>
 
 #include "core/conversion.h"
 #include "nodes/values/element_map.h"
@@ -23,6 +24,9 @@ struct Formula {
     const char* first;
     const char* others;
 };
+void PrintTo(const Formula& formula, std::ostream* out) {
+    *out << formula.type << " of " << formula.first << " " << formula.others;
+}
 
 const Formula formulas[] = {
     {"Abs", "Integer", ""},
