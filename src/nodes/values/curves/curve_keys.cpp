@@ -25,22 +25,23 @@ public:
     ~Key() override {
         // Whoever still shares the value of the output sees a null there.
         shown_->removeReferencesTo({&made_});
-        if (wasConnected_) keysAreReleased({&made_});
+        if (wasShown_) keysAreReleased({&made_});
     }
 
     void update(Attribute*) override {
         PointerValueBase* target = key_->pointersTarget();
         if (!target) return;
+        wasShown_ = true;
         target->setValue(&made_);
         key_->valueChanged();
         setAttributeIsClean(key_, true);
     }
 
-    void attributeConnectionChanged(Attribute*) override { wasConnected_ = true; }
+    void attributeConnectionChanged(Attribute*) override { wasShown_ = true; }
 
 private:
     PointInfo made_;
-    bool wasConnected_ = false; // only then may anybody else hold the key
+    bool wasShown_ = false; // by a connection or an update: only then may anybody hold the key
     KeyAttribute* key_;
     weft::Retained<PointerValueBase> shown_;
 };

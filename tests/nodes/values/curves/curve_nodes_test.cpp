@@ -125,6 +125,18 @@ TEST_F(DeadKeyTest, ReferencesAreBlankInAllScenes) {
     EXPECT_EQ(nullptr, held(&net_.pin("other.key")));
 }
 
+// A host may read the key without a connection, and hand it on.
+TEST_F(DeadKeyTest, ReferencesToAKeyWithoutReadersAreBlank) {
+    build_.add("Key", "Alone");
+    build_.at("Alone.key")->computeNow();
+    void* const key = static_cast<weft::KeyAttribute*>(build_.at("Alone.key"))->firstPointer();
+    ASSERT_NE(nullptr, key);
+    auto& other = static_cast<weft::KeyAttribute&>(net_.pin("other.key"));
+    other.ownPointers().setValue(key);
+    build_.scene.removeNodeFromGraph(build_.node("Alone"));
+    EXPECT_EQ(nullptr, held(&other));
+}
+
 TEST_F(DeadKeyTest, AClearedSceneLeavesNoReferencesElsewhere) {
     build_.scene.clear();
     EXPECT_EQ(nullptr, weft::valueAs<weft::KeyValue>(shared_.get())->at(0));
