@@ -95,7 +95,11 @@ protected:
         written(pin);
     }
 
-    void reportIndex(int32_t index) { pushError(text::format("index is out of range: %d", index)); }
+    // Messages take long: each of them answers an interrupt.
+    void reportIndex(int32_t index) {
+        pushError(text::format("index is out of range: %d", index));
+        networkManager()->pollInterrupt();
+    }
     /// The range of a slice of `count` elements; reports what lies outside and answers false.
     bool findSlice(int64_t count, const NumericAttribute* firstPin, const NumericAttribute* sizePin,
                    uint64_t& first, uint64_t& length) {

@@ -81,6 +81,23 @@ TEST(ArrayInterrupts, StringsByPositionAnswer) {
     }
 }
 
+TEST(ArrayInterrupts, MessagesAnswer) {
+    for (const TM_String type : {"GetArrayStringElement", "SetArrayStringElement",
+                                 "ArrayStringRemoveIndex", "ArrayNumRemoveIndex"}) {
+        LogicNet net;
+        Node& node = net.add(type, "n");
+        if (type == "ArrayNumRemoveIndex") net.type("n.array", "Real");
+        if (type == "SetArrayStringElement") net.strings("n.element", {"x", "y", "z"});
+        net.numbers<int32_t>("n.index", {-1, -2, -3});
+        net.manager().setEvaluating(true);
+        net.manager().requestInterrupt();
+        EXPECT_THROW(node.update(node.outputAttributeAt(0)), tidemark::TM_Exception) << type;
+        net.manager().clearInterrupt();
+        net.manager().setEvaluating(false);
+        EXPECT_EQ("[error] index is out of range: -1\n", net.messages("n")) << type;
+    }
+}
+
 TEST(ArrayInterrupts, FormulasAnswerOnAnyThread) {
     for (const int threads : {1, 4}) {
         LogicNet net;
