@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
 #include <new>
 #include <span>
@@ -124,6 +125,23 @@ T* copyElements(std::span<const T> in, T* out, WorkMeter& meter) {
         }
     });
     return out + in.size();
+}
+
+/// Copies `in` to `out` from its end to its beginning. The two do not overlap.
+template <typename T>
+void reverseElements(std::span<const T> in, T* out) {
+    const T* last = in.data() + in.size();
+    if constexpr (std::is_trivially_copyable_v<T>) {
+        // Runs of a fixed length, apart from both arrays, become vector instructions.
+        constexpr std::size_t run = 16;
+        std::array<T, run> turned;
+        for (std::size_t left = in.size(); left >= run; left -= run) {
+            for (std::size_t k = 0; k < run; ++k) turned[k] = *(last - 1 - k);
+            out = std::copy(turned.begin(), turned.end(), out);
+            last -= run;
+        }
+    }
+    std::reverse_copy(in.data(), last, out);
 }
 
 template <typename T>

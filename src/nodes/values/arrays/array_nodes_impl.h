@@ -487,7 +487,7 @@ void ArrayReverse<Port>::update(weft::Attribute*) {
         writeElements<T>(*target, {}, [&](Array<T>& out) {
             sizeForWriting(out, count, meter);
             inPieces(count, meter, [&](uint64_t first, uint64_t end) {
-                for (uint64_t i = first; i < end; ++i) out[i] = from[count - 1 - i];
+                reverseElements(from.subspan(count - end, end - first), out.data() + first);
             });
         });
     });
