@@ -9,6 +9,8 @@ namespace tidemark::sluice::graph {
 std::size_t findText(std::string_view text, std::string_view wanted, std::size_t from) {
     if (from > text.size()) return std::string_view::npos;
     if (wanted.empty()) return from;
+    // The text may have no memory at all, which memmem does not take.
+    if (wanted.size() > text.size() - from) return std::string_view::npos;
     const void* found =
         memmem(text.data() + from, text.size() - from, wanted.data(), wanted.size());
     if (!found) return std::string_view::npos;
