@@ -4,6 +4,7 @@
 #include "core/numeric.h"
 #include "graph/define_node.h"
 #include "nodes/values/strings/string_tools.h"
+#include "nodes/values/unfinished_output.h"
 
 namespace tidemark::sluice::graph {
 
@@ -39,8 +40,8 @@ private:
     bool isLowered_ = false;
 };
 
-int32_t positionOf(std::string_view wanted, std::string_view text) {
-    const std::size_t found = findText(text, wanted);
+int32_t positionOf(std::string_view wanted, std::string_view text, WorkMeter& meter) {
+    const std::size_t found = findText(text, wanted, 0, meter);
     return found == std::string_view::npos ? -1 : toInteger(found);
 }
 
@@ -73,16 +74,18 @@ public:
         if (attribute == position_) {
             findPositions();
         } else if (attribute == isInside_) {
-            compare(*isInside_,
-                    [](std::string_view a, std::string_view b) { return positionOf(a, b) >= 0; });
+            compare(*isInside_, [](std::string_view a, std::string_view b, WorkMeter& meter) {
+                return positionOf(a, b, meter) >= 0;
+            });
         } else {
-            compare(*isEqual_, [](std::string_view a, std::string_view b) { return a == b; });
+            compare(*isEqual_,
+                    [](std::string_view a, std::string_view b, WorkMeter&) { return a == b; });
         }
         attribute->valueChanged();
     }
 
 private:
-    // Calls `visit` with the index and both strings of every pair.
+    // Calls `visit` with the index, both strings of every pair, and the meter.
     template <typename Visit>
     void forEachPair(uint32_t count, Visit visit) {
         const bool ignoreCase = ignoreCase_->lastBit();
@@ -90,7 +93,7 @@ private:
         const ComparedStrings second(string1_->strings(), ignoreCase);
         WorkMeter meter(*networkManager());
         for (uint32_t i = 0; i < count; ++i) {
-            visit(i, first.at(i), second.at(i));
+            visit(i, first.at(i), second.at(i), meter);
             meter.add(second.at(i).size());
         }
     }
@@ -99,20 +102,24 @@ private:
         Numeric* target = position_->numericTarget();
         if (!target) return;
         const uint32_t count = largerSize(string0_->strings(), string1_->strings());
+        const UnfinishedOutput unfinished(target, {});
         target->resize(count);
-        forEachPair(count, [&](uint32_t i, std::string_view a, std::string_view b) {
-            target->setValueAt(i, positionOf(a, b));
-        });
+        forEachPair(count,
+                    [&](uint32_t i, std::string_view a, std::string_view b, WorkMeter& meter) {
+                        target->setValueAt(i, positionOf(a, b, meter));
+                    });
     }
 
-    void compare(const BitArrayAttribute& out, bool (*holds)(std::string_view, std::string_view)) {
+    using Holds = bool (*)(std::string_view, std::string_view, WorkMeter&);
+
+    void compare(const BitArrayAttribute& out, Holds holds) {
         BitArrayValue* target = out.bitsTarget();
         if (!target) return;
         const uint32_t count = largerSize(string0_->strings(), string1_->strings());
+        const UnfinishedOutput unfinished(target, {});
         target->resize(count, false);
-        forEachPair(count, [&](uint32_t i, std::string_view a, std::string_view b) {
-            target->setBit(i, holds(a, b));
-        });
+        forEachPair(count, [&](uint32_t i, std::string_view a, std::string_view b,
+                               WorkMeter& meter) { target->setBit(i, holds(a, b, meter)); });
     }
 
     StringAttribute* string0_;

@@ -49,7 +49,7 @@ public:
 private:
     static void replaceAll(TM_String& string, const TM_String& before, const TM_String& after,
                            WorkMeter& meter) {
-        std::size_t found = findText(string, before);
+        std::size_t found = findText(string, before, 0, meter);
         if (found == TM_String::npos) return;
         TM_String result;
         std::size_t start = 0;
@@ -58,7 +58,7 @@ private:
             result.append(string, start, found - start).append(after);
             meter.add(found - start + after.size());
             start = found + before.size();
-            found = findText(string, before, start);
+            found = findText(string, before, start, meter);
         }
         growFor(result, string.size() - start);
         string = std::move(result.append(string, start));

@@ -11,8 +11,9 @@
 namespace tidemark::sluice::graph {
 
 /// Offset of the first `wanted` in `text` at or behind `from`, or npos. Linear in the lengths,
-/// whatever they hold. An empty `wanted` is found at `from`.
-std::size_t findText(std::string_view text, std::string_view wanted, std::size_t from = 0);
+/// whatever they hold; answers interrupts. An empty `wanted` is found at `from`.
+std::size_t findText(std::string_view text, std::string_view wanted, std::size_t from,
+                     WorkMeter& meter);
 
 /// A length or offset as an "Integer"; what does not fit is the largest one.
 inline int32_t toInteger(std::size_t length) {

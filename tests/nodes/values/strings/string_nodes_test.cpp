@@ -127,6 +127,38 @@ TEST(StringCompare, FindsTheFirstInTheSecond) {
     EXPECT_EQ("[1] -1", n.text("n.position"));
 }
 
+// Long texts are searched in windows: what stands across their borders is found too.
+TEST(StringCompare, FindsAcrossTheWholeText) {
+    constexpr std::size_t border = 65536;
+    for (const std::size_t length : {std::size_t(1), std::size_t(2), border, border + 3}) {
+        for (const std::size_t at : {std::size_t(0), border - 2, border - 1, border, border + 1,
+                                     2 * border - 1, 2 * border + 3, 3 * border}) {
+            StringNode n("StringCompare");
+            const TM_String wanted = TM_String(length - 1, 'b') + "c";
+            n.set("string0", wanted);
+            n.set("string1", TM_String(at, 'a') + wanted + TM_String(5, 'c'));
+            EXPECT_EQ("[1] " + std::to_string(at), n.text("n.position")) << length;
+            n.set("string1", TM_String(at, 'a') + TM_String(length - 1, 'b'));
+            EXPECT_EQ("[1] -1", n.text("n.position")) << length << " " << at;
+            EXPECT_EQ("0", n.text("n.is inside"));
+        }
+    }
+}
+
+TEST(StringCompare, InterruptedTextsShowNothing) {
+    for (const char* output : {"n.position", "n.is inside", "n.is equal"}) {
+        StringNode n("StringCompare");
+        n.set("string0", "b");
+        n.set("string1", TM_String(4000000, 'a'));
+        n.manager().setEvaluating(true);
+        n.manager().requestInterrupt();
+        EXPECT_THROW(n.node("n").update(&n.pin(output)), tidemark::TM_Exception) << output;
+        n.manager().clearInterrupt();
+        n.manager().setEvaluating(false);
+        EXPECT_EQ(0u, n.pin(output).value()->size()) << output;
+    }
+}
+
 TEST(StringCompare, EmptyStringIsInsideEverything) {
     StringNode n("StringCompare");
     n.set("string1", "a");
