@@ -1,52 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-// Curves: keys, interpolation, behaviours, expressions, changes noticed, threads.
-#include "platform/curve.h"
-
+// Curves: keys, interpolation, behaviours, expressions, changes noticed.
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
-#include <random>
-#include <thread>
 #include <vector>
 
+#include "platform/curve_fixture.h"
 #include "support/comma_locale.h"
 
 namespace {
 
 using namespace tidemark;
-
-constexpr float infinity = std::numeric_limits<float>::infinity();
-constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-
-PointInfo key(double x, double y, int32_t type = tm_spline::linear) { return {x, y, type}; }
-
-PointInfo bezierKey(double x, double y, double incoming, double outgoing) {
-    PointInfo made(x, y, tm_spline::bezier);
-    made.setIncoming(incoming);
-    made.setOutgoing(outgoing);
-    return made;
-}
-
-class CurveTest : public testing::Test {
-protected:
-    void add(std::initializer_list<PointInfo> keys) {
-        for (const PointInfo& each : keys) curve_.refSpline().addPoint(each);
-    }
-    PointInfo& at(uint32_t index) { return *curve_.spline().points()[index]; }
-    // The times of the keys in the order of the list, separated by blanks.
-    std::string times() {
-        std::string text;
-        for (const PointInfo* each : curve_.spline().points()) {
-            text += text::shortest(each->x()) + " ";
-        }
-        return text;
-    }
-    float operator()(float time) const { return curve_.DameValor(time); }
-
-    ANIFloatBase curve_;
-};
+using namespace curve_tests;
 
 // --- keys ----------------------------------------------------------------------------------------
 
@@ -780,100 +746,6 @@ TEST_F(CurveTest, NumbersInExpressionsKnowNoLocale) {
     ASSERT_TRUE(curve_.setExpression("t + 1.25"));
     EXPECT_EQ(1.75f, (*this)(0.5f));
     EXPECT_FALSE(curve_.setExpression("t + 1,25"));
-}
-
-// --- many times, threads -------------------------------------------------------------------------
-
-class ManyKeysTest : public CurveTest {
-protected:
-    // Times with gaps of very different lengths, so that the slices of the table differ as well.
-    ManyKeysTest() {
-        std::mt19937 random(7);
-        double x = -3;
-        for (int i = 0; i < 500; ++i) {
-            const double gap = i % 50 == 0 ? 10.0 : 1e-4 * (1 + random() % 100);
-            add({key(x += gap, random() % 100, i % 3 == 0 ? tm_spline::step : tm_spline::linear)});
-        }
-        std::uniform_real_distribution<float> anywhere(-5.0f, static_cast<float>(x) + 2.0f);
-        for (int i = 0; i < 20000; ++i) times_.push_back(anywhere(random));
-        for (const PointInfo* each : curve_.spline().points()) {
-            times_.push_back(static_cast<float>(each->x()));
-        }
-    }
-
-    // By the definition, with a search from the beginning.
-    float slowly(float time) const {
-        const auto& keys = curve_.spline().points();
-        const auto shown = [&](uint32_t i) { return static_cast<float>(keys[i]->x()); };
-        if (time < shown(0)) return static_cast<float>(keys[0]->y());
-        uint32_t i = 0;
-        while (i + 1 < keys.size() && shown(i + 1) <= time) ++i;
-        if (i + 1 == keys.size() || keys[i]->type() == tm_spline::step) {
-            return static_cast<float>(keys[i]->y());
-        }
-        const double past = std::max(0.0, time - keys[i]->x());
-        const double u = past / (keys[i + 1]->x() - keys[i]->x());
-        return static_cast<float>(keys[i]->y() + u * (keys[i + 1]->y() - keys[i]->y()));
-    }
-
-    std::vector<float> times_;
-};
-
-TEST_F(ManyKeysTest, EveryTimeFindsItsKeys) {
-    for (const float time : times_) ASSERT_NEAR(slowly(time), (*this)(time), 1e-3) << time;
-}
-
-TEST_F(ManyKeysTest, ManyTimesAreAsOneByOne) {
-    std::vector<float> together(times_.size());
-    for (const char* expression : {"", "sin(t)"}) {
-        ASSERT_TRUE(curve_.setExpression(expression));
-        for (const bool plus : {false, true}) {
-            curve_.setExpressionPlusSpline(plus);
-            curve_.evaluate(times_.data(), together.data(), static_cast<uint32_t>(times_.size()));
-            for (std::size_t i = 0; i < times_.size(); ++i) {
-                ASSERT_EQ((*this)(times_[i]), together[i]) << expression << plus;
-            }
-        }
-    }
-}
-
-TEST_F(ManyKeysTest, ThreadsEvaluateAtOnce) {
-    ASSERT_TRUE(curve_.setExpression("sin(t) + frame % 7"));
-    curve_.setExpressionPlusSpline(true);
-    // A copy that nobody has evaluated yet: the threads compile it, too.
-    for (int round = 0; round < 20; ++round) {
-        at(3).setY(round);
-        std::vector<std::vector<float>> results(4);
-        std::vector<std::thread> threads;
-        for (auto& mine : results) {
-            mine.resize(times_.size());
-            threads.emplace_back([&] {
-                for (std::size_t i = 0; i < 100; ++i) mine[i] = (*this)(times_[i]);
-                curve_.evaluate(times_.data() + 100, mine.data() + 100,
-                                static_cast<uint32_t>(times_.size()) - 100);
-            });
-        }
-        for (std::thread& thread : threads) thread.join();
-        for (const auto& other : results) ASSERT_EQ(results[0], other);
-    }
-}
-
-TEST(CurveScale, AMillionKeysInAnyOrder) {
-    std::mt19937 random(1);
-    std::vector<PointInfo> keys;
-    for (int i = 0; i < 1000000; ++i) keys.push_back(key(random() % 1000000, i));
-    Array<const PointInfo*> pointers;
-    for (const PointInfo& each : keys) pointers.append(&each);
-    ANIFloatBase curve;
-    curve.refSpline().addPoints(pointers);
-    const auto& sorted = curve.spline().points();
-    ASSERT_EQ(1000000u, sorted.size());
-    for (uint32_t i = 1; i < sorted.size(); ++i) ASSERT_LE(sorted[i - 1]->x(), sorted[i]->x());
-    EXPECT_EQ(static_cast<float>(sorted.back()->y()), curve.DameValor(2e6f));
-    Array<const PointInfo*> half;
-    for (uint32_t i = 0; i < sorted.size(); i += 2) half.append(sorted[i]);
-    curve.refSpline().removePoints(half);
-    EXPECT_EQ(500000u, sorted.size());
 }
 
 } // namespace

@@ -1,81 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // Nodes over curves and keys: what they change, what they say, what they leave alone.
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <memory>
 
 #include "graph/graph_scene.h"
-#include "nodes/values/curves/curve_attributes.h"
-#include "nodes/values/logic_net.h"
+#include "nodes/values/curves/curve_nodes_fixture.h"
 #include "support/scene_builder.h"
 
 namespace {
 
 using namespace sluice_tests;
-using tidemark::ANIFloatBase;
-using tidemark::Array;
-using tidemark::PointInfo;
 namespace tm_spline = tidemark::tm_spline;
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
-
-class CurveNodesTest : public testing::Test {
-protected:
-    static void add(ANIFloatBase& curve, std::initializer_list<PointInfo> keys) {
-        for (const PointInfo& key : keys) curve.refSpline().addPoint(key);
-    }
-    void curves(const TM_String& pin, std::initializer_list<ANIFloatBase*> list) {
-        auto& attribute = net_.as<weft::CurveAttribute>(pin);
-        attribute.ownPointers().setSize(0);
-        for (ANIFloatBase* curve : list) attribute.ownPointers().append(curve);
-        attribute.valueChanged();
-    }
-    void keys(const TM_String& pin, std::initializer_list<PointInfo*> list) {
-        auto& attribute = net_.as<weft::KeyAttribute>(pin);
-        attribute.ownPointers().setSize(0);
-        for (PointInfo* key : list) attribute.ownPointers().append(key);
-        attribute.valueChanged();
-    }
-    // What a port of pointers shows when it is up to date.
-    Array<void*> pointers(const TM_String& pin) {
-        net_.refresh(pin);
-        return net_.as<weft::PointerAttribute>(pin).pointers().values();
-    }
-    static TM_String times(const ANIFloatBase& curve) {
-        TM_String text;
-        for (const PointInfo* key : curve.spline().points()) {
-            text += tidemark::text::shortest(key->x()) + " ";
-        }
-        return text;
-    }
-    // A "Real", "Integer", "Bit" or "String" node that feeds the pin.
-    template <typename T>
-    void feed(const TM_String& pin, const TM_String& type, const TM_String& out,
-              std::initializer_list<T> values) {
-        const TM_String name = "source" + std::to_string(++sources_);
-        net_.add(type, name);
-        if constexpr (std::is_same_v<T, const char*>) {
-            net_.strings(name + ".in", values);
-        } else if constexpr (std::is_same_v<T, bool>) {
-            net_.bits(name + ".in", values);
-        } else {
-            net_.numbers(name + ".in", values);
-        }
-        ASSERT_TRUE(net_.link(name + "." + out, pin));
-    }
-    void reals(const TM_String& pin, std::initializer_list<float> values) {
-        feed<float>(pin, "Real", "real", values);
-    }
-    void integers(const TM_String& pin, std::initializer_list<int32_t> values) {
-        feed<int32_t>(pin, "Integer", "integer", values);
-    }
-
-    LogicNet net_;
-    int sources_ = 0;
-    ANIFloatBase first_;
-    ANIFloatBase second_;
-};
 
 // --- Key, GetCurveKeys ---------------------------------------------------------------------------
 
@@ -687,147 +624,6 @@ TEST_F(CurveNodesTest, OneUpdateFillsTheConnectedPropertiesOfKeys) {
     EXPECT_TRUE(net_.pin("g.unify tan").isClean());
     EXPECT_EQ("[3] 0", net_.pin("g.x").value()->asString());
     EXPECT_FALSE(net_.pin("g.x").isClean());
-}
-
-// --- messages, clean outputs ---------------------------------------------------------------------
-
-// Each node with one output, and what it says of an input that is null.
-struct Said {
-    const char* type;
-    const char* output;
-    const char* message;
-    bool goesOn;
-};
-constexpr Said saidOfNull[] = {
-    {"GetCurveKeys", "keys", "Input Curve is null", false},
-    {"CurveEval", "result", "Input Curve is null", false},
-    {"CurveAddKey", "out curve", "Input 'curve' is null", false},
-    {"CurveRemoveKey", "out curve", "Input 'curve' is null", false},
-    {"CurveRemoveKeysAll", "out curve", "Input is null at position 0", true},
-    {"CurveEulerFilter", "out curve", "Input is null at position 0", true},
-    {"GetCurveProperties", "key count", "Input is null at position 0", true},
-    {"SetCurveProperties", "out curve", "Input is null at position 0", true},
-    {"GetKeyProperties", "x", "Input is null at position 0", true},
-    {"SetKeyProperties", "out key", "Input is null at position 0", true},
-};
-
-TEST_F(CurveNodesTest, NullsAreErrorsInTheSystemsWords) {
-    for (const auto& [type, output, message, goesOn] : saidOfNull) {
-        net_.add(type, type);
-        weft::Attribute& pin = net_.pin(TM_String(type) + "." + output);
-        net_.node(type).doUpdate(&pin);
-        EXPECT_EQ(TM_String("[error] ") + message + "\n", net_.messages(type)) << type;
-        EXPECT_EQ(goesOn, pin.isClean()) << type;
-    }
-    for (const char* type : {"CurveAddKey", "CurveRemoveKey"}) {
-        net_.node(type).refMessages().clear();
-        curves(TM_String(type) + ".curve", {&first_});
-        net_.node(type).doUpdate(&net_.pin(TM_String(type) + ".out curve"));
-        EXPECT_EQ("[error] Input 'key' is null at position 0\n", net_.messages(type)) << type;
-    }
-}
-
-TEST_F(CurveNodesTest, WrittenOutputsAreClean) {
-    PointInfo key(1, 2);
-    for (const Said& node : saidOfNull) {
-        net_.add(node.type, node.type);
-        weft::Attribute& in = *net_.node(node.type).inputAttributeAt(0);
-        if (in.name() == "key") {
-            keys(TM_String(node.type) + ".key", {&key});
-        } else {
-            curves(TM_String(node.type) + ".curve", {&first_});
-        }
-        weft::Attribute& pin = net_.pin(TM_String(node.type) + "." + node.output);
-        net_.node(node.type).doUpdate(&pin);
-        EXPECT_TRUE(pin.isClean()) << node.type;
-    }
-    net_.add("Key", "k");
-    net_.node("k").doUpdate(&net_.pin("k.key"));
-    EXPECT_TRUE(net_.pin("k.key").isClean());
-}
-
-TEST_F(CurveNodesTest, AReaderBehindAnUpdateDoesNotRepeatIt) {
-    net_.add("Key", "k");
-    net_.add("CurveAddKey", "a");
-    net_.add("GetCurveProperties", "g");
-    curves("a.curve", {&first_});
-    ASSERT_TRUE(net_.link("k.key", "a.key"));
-    ASSERT_TRUE(net_.link("a.out curve", "g.curve"));
-    net_.node("a").doUpdate(&net_.pin("a.out curve"));
-    EXPECT_EQ("[1] 1", net_.text("g.key count"));
-    EXPECT_EQ("0 ", times(first_));
-}
-
-TEST_F(CurveNodesTest, NullsLeaveTheirEntriesAsTheyWere) {
-    net_.add("GetCurveProperties", "c");
-    add(first_, {{0, 0}, {1, 1}});
-    ASSERT_TRUE(first_.setExpression("t"));
-    curves("c.curve", {&first_, &second_});
-    EXPECT_EQ("[1] 2,0", net_.text("c.key count"));
-    EXPECT_EQ("t|", net_.list("c.expression"));
-    EXPECT_EQ("10", net_.text("c.has expression"));
-    curves("c.curve", {nullptr, &first_});
-    EXPECT_EQ("[1] 2,2", net_.text("c.key count"));
-    EXPECT_EQ("t|t", net_.list("c.expression"));
-    EXPECT_EQ("11", net_.text("c.has expression"));
-    net_.add("GetKeyProperties", "k");
-    PointInfo a(1, 2), b(3, 4);
-    keys("k.key", {&a, &b});
-    EXPECT_EQ("[3] 1,3", net_.text("k.x"));
-    keys("k.key", {nullptr, &a});
-    EXPECT_EQ("[3] 1,1", net_.text("k.x"));
-}
-
-// What was not computed is not shown.
-TEST_F(CurveNodesTest, InterruptedResultsAreEmpty) {
-    constexpr uint32_t count = 600000;
-    PointInfo key(1, 2);
-    net_.add("CurveEval", "CurveEval");
-    net_.add("GetCurveProperties", "GetCurveProperties");
-    net_.add("GetKeyProperties", "GetKeyProperties");
-    curves("CurveEval.curve", {&first_});
-    net_.as<weft::NumericAttribute>("CurveEval.time").ownNumeric().resize(count);
-    auto& many = net_.as<weft::CurveAttribute>("GetCurveProperties.curve").ownPointers();
-    auto& manyKeys = net_.as<weft::KeyAttribute>("GetKeyProperties.key").ownPointers();
-    many.refValues().resize(count, &first_);
-    manyKeys.refValues().resize(count, &key);
-    net_.manager().setEvaluating(true);
-    for (const char* type : {"CurveEval", "GetCurveProperties", "GetKeyProperties"}) {
-        weft::Node& node = net_.node(type);
-        for (weft::Attribute* output : node.refOutputAttributes()) {
-            EXPECT_NO_THROW(node.update(output));
-            EXPECT_EQ(count, output->currentValue()->size()) << output->name();
-            net_.manager().requestInterrupt();
-            EXPECT_ANY_THROW(node.update(output)) << output->name();
-            net_.manager().clearInterrupt();
-            EXPECT_EQ(0u, output->currentValue()->size()) << output->name();
-        }
-    }
-    net_.manager().setEvaluating(false);
-}
-
-// --- bad input -----------------------------------------------------------------------------------
-
-TEST_F(CurveNodesTest, ValuesOfAnotherClassCountAsNull) {
-    for (const char* type : {"GetCurveKeys", "CurveRemoveKeysAll", "CurveAddKey", "CurveRemoveKey",
-                             "CurveEulerFilter", "GetCurveProperties", "SetCurveProperties",
-                             "CurveEval", "GetKeyProperties", "SetKeyProperties"}) {
-        net_.add(type, type);
-        const weft::Retained<weft::Numeric> number(new weft::Numeric(&net_.manager()));
-        net_.node(type).inputAttributeAt(0)->setValue(number.get());
-        net_.refresh(TM_String(type) + "." + net_.node(type).outputAttributeAt(0)->name());
-        EXPECT_NE(TM_String::npos, net_.messages(type).find(" is null")) << type;
-    }
-}
-
-TEST_F(CurveNodesTest, PortsOfOtherTypesDoNotConnect) {
-    net_.add("Real", "r");
-    net_.add("Key", "k");
-    net_.add("CurveEval", "e");
-    net_.add("GetKeyProperties", "g");
-    EXPECT_FALSE(net_.canLink("r.real", "e.curve"));
-    EXPECT_FALSE(net_.canLink("k.key", "e.curve"));
-    EXPECT_TRUE(net_.canLink("k.key", "g.key"));
 }
 
 } // namespace
